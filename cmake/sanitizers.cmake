@@ -1,0 +1,16 @@
+# Sanitizers go to every target of the build, so that no object file is left unchecked.
+# A finding ends the program: otherwise a test could pass in spite of it.
+
+if(QXFOUNDATION_SANITIZE)
+  add_compile_options(-fsanitize=${QXFOUNDATION_SANITIZE} -fno-sanitize-recover=all
+                      -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=${QXFOUNDATION_SANITIZE})
+endif()
+
+# Coverage for the fuzz engine goes to every target as well; its main function to the fuzz targets alone.
+if(QXFOUNDATION_BUILD_FUZZERS)
+  if(NOT CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+    message(FATAL_ERROR "Fuzz targets need clang (cmake --preset fuzz)")
+  endif()
+  add_compile_options(-fsanitize=fuzzer-no-link)
+endif()

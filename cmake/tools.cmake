@@ -1,0 +1,21 @@
+# The command-line tool qx: a user of the public interface like any other program.
+
+file(GLOB_RECURSE qx_sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/tools/qx/*.cpp)
+if(NOT qx_sources)
+  return()
+endif()
+
+find_package(CLI11 REQUIRED)
+find_package(nlohmann_json REQUIRED)
+
+add_executable(qx ${qx_sources})
+target_include_directories(qx PRIVATE ${PROJECT_SOURCE_DIR})
+target_link_libraries(
+  qx PRIVATE qxfoundation qxfoundation_warnings CLI11::CLI11 nlohmann_json::nlohmann_json)
+file(RELATIVE_PATH bin_to_lib /${CMAKE_INSTALL_BINDIR} /${CMAKE_INSTALL_LIBDIR})
+set_target_properties(qx PROPERTIES CXX_EXTENSIONS OFF INSTALL_RPATH "$ORIGIN/${bin_to_lib}")
+install(TARGETS qx)
+
+if(EXISTS ${PROJECT_SOURCE_DIR}/tools/qx/qx.1)
+  install(FILES ${PROJECT_SOURCE_DIR}/tools/qx/qx.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+endif()

@@ -1,0 +1,28 @@
+#pragma once
+
+// The value model's own comparisons, which the classes enter as operations.
+
+#include <QXFoundation/property_value.h>
+
+#include "frame/comparison.h"
+
+namespace qx::detail {
+
+// Three-way order of two values. Strings, numbers and dates among themselves; other receivers by
+// the `compare:` that their class declares. False where the two do not compare.
+bool orderOf(const PropertyValue& left, const PropertyValue& right, int& order);
+
+// The built-in form of one of the nine, without asking the class; `responds` is false on receivers
+// that lack it.
+Applied applyBuiltIn(Comparison comparison, const PropertyValue& left, const PropertyValue& right);
+
+// As operations of a class, by selector.
+template <Comparison C>
+bool comparisonOperation(const PropertyValue& receiver, const PropertyValue& other) {
+  return applyBuiltIn(C, receiver, other).result;
+}
+bool isEqualOperation(const PropertyValue& receiver, const PropertyValue& other);
+int compareOperation(const PropertyValue& receiver, const PropertyValue& other);
+int caseInsensitiveCompareOperation(const PropertyValue& receiver, const PropertyValue& other);
+
+}  // namespace qx::detail

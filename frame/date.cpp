@@ -1,0 +1,91 @@
+#include <time.h>
+
+#include <chrono>
+#include <cmath>
+
+#include <QXFoundation/date.h>
+
+#include "frame/comparison_operations.h"
+#include "frame/library_class.h"
+#include "frame/numeric.h"
+
+namespace qx {
+
+Date::Date(detail::Passkey, double seconds)
+    : Object(detail::ObjectKind::date, detail::kLeaf), seconds_(seconds) {}
+
+Ref<Date> Date::dateWithTimeIntervalSince1970(double seconds) {
+  return make<Date>(detail::Passkey{}, seconds);
+}
+Ref<Date> Date::dateWithTimeIntervalSinceReferenceDate(double seconds) {
+  return dateWithTimeIntervalSince1970(seconds + kReferenceDate);
+}
+Ref<Date> Date::date() {
+  timespec now{};
+  clock_gettime(CLOCK_REALTIME, &now);
+  return dateWithTimeIntervalSince1970(static_cast<double>(now.tv_sec) +
+                                       static_cast<double>(now.tv_nsec) / 1e9);
+}
+
+ComparisonResult Date::compare(const PropertyValue& other) const {
+  return PropertyValue(const_cast<Date*>(this)).compare(other);
+}
+
+bool Date::isEqual(const PropertyValue& other) const {
+  if (!other.isDate()) return false;
+  const double theirs = static_cast<const Date*>(other.object())->seconds_;
+  return detail::compareNumbers(detail::NumericValue::real(seconds_),
+                                detail::NumericValue::real(theirs)) == 0;
+}
+std::size_t Date::hash() const { return detail::hashNumber(detail::NumericValue::real(seconds_)); }
+
+namespace {
+
+void appendPadded(std::string& out, long long n, int width) {
+  const std::string digits = std::to_string(n);
+  out.append(static_cast<std::size_t>(std::max(0, width - static_cast<int>(digits.size()))), '0');
+  out += digits;
+}
+
+}  // namespace
+
+// "2001-02-03 04:05:06 +0000", the second's fraction cut off; a moment beyond the years -32767 to
+// 32767 as its seconds.
+std::string Date::description() const {
+  constexpr double kRange = 9e11;
+  if (!(std::fabs(seconds_) < kRange))
+    return detail::numberText(detail::NumericValue::real(seconds_));
+  const auto second = static_cast<long long>(std::floor(seconds_));
+  const long long day = (second >= 0 ? second : second - 86399) / 86400;
+  const std::chrono::year_month_day date{std::chrono::sys_days{std::chrono::days{day}}};
+  const long long inDay = second - day * 86400;
+  std::string text;
+  const int year = static_cast<int>(date.year());
+  if (year < 0) text += '-';
+  appendPadded(text, std::abs(year), 4);
+  text += '-';
+  appendPadded(text, static_cast<unsigned>(date.month()), 2);
+  text += '-';
+  appendPadded(text, static_cast<unsigned>(date.day()), 2);
+  text += ' ';
+  appendPadded(text, inDay / 3600, 2);
+  text += ':';
+  appendPadded(text, inDay / 60 % 60, 2);
+  text += ':';
+  appendPadded(text, inDay % 60, 2);
+  return text + " +0000";
+}
+
+Ref<Object> Date::copy() const { return const_cast<Date*>(this); }
+
+void describe(ClassBuilder<Date>& c) {
+  c.setCore();
+  c.name("NSDate").inherits<Object>();
+  c.operation("timeIntervalSince1970", &Date::timeIntervalSince1970);
+  c.operation("timeIntervalSinceReferenceDate", &Date::timeIntervalSinceReferenceDate);
+  c.operation("compare:", &detail::compareOperation);
+}
+
+const Class& classObject(detail::Type<Date>) { return detail::buildLibraryClass<Date>(); }
+
+}  // namespace qx

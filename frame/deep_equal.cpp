@@ -1,0 +1,130 @@
+#include <unordered_set>
+#include <vector>
+
+#include "frame/deep.h"
+#include "frame/hashing.h"
+
+namespace qx::detail {
+namespace {
+
+struct Pair {
+  const Object* a;
+  const Object* b;
+  friend bool operator==(const Pair&, const Pair&) = default;
+};
+struct PairHash {
+  std::size_t operator()(const Pair& p) const {
+    return combineHashes(reinterpret_cast<std::uintptr_t>(p.a),
+                         reinterpret_cast<std::uintptr_t>(p.b));
+  }
+};
+
+bool isWalked(const PropertyValue& v, ObjectKind kind) {
+  const Object* o = v.object();
+  return o != nullptr && ObjectAccess::kind(*o) == kind && !ObjectAccess::has(*o, kOwnEquality);
+}
+
+// Pairs of containers that remain to be compared. Up to kUnwatched of them are not remembered:
+// small data pays nothing.
+class Comparer {
+ public:
+  bool run(const PropertyValue& a, const PropertyValue& b) {
+    if (isSame(a, b)) return true;
+    putOff(a, b);
+    while (!pending_.empty()) {
+      const Pair p = pending_.back();
+      pending_.pop_back();
+      const bool same =
+          ObjectAccess::kind(*p.a) == ObjectKind::array
+              ? equalArrays(static_cast<const Array&>(*p.a), static_cast<const Array&>(*p.b))
+              : equalDictionaries(static_cast<const Dictionary&>(*p.a),
+                                  static_cast<const Dictionary&>(*p.b));
+      if (!same) return false;
+    }
+    return true;
+  }
+
+ private:
+  // Decides at once, or puts the pair off and gives true.
+  bool equal(const PropertyValue& a, const PropertyValue& b) {
+    if (isSame(a, b)) return true;
+    if (isWalked(a, ObjectKind::array)) return b.isArray() && putOff(a, b);
+    if (isWalked(a, ObjectKind::dictionary)) return b.isDictionary() && putOff(a, b);
+    return a == b;
+  }
+
+  bool putOff(const PropertyValue& a, const PropertyValue& b) {
+    const Pair p{a.object(), b.object()};
+    if (++count_ > kUnwatched && !seen_.insert(p).second) return true;
+    pending_.push_back(p);
+    return true;
+  }
+
+  bool equalArrays(const Array& a, const Array& b) {
+    const std::size_t n = a.count();
+    if (b.count() != n) return false;
+    for (std::size_t i = 0; i < n; ++i) {
+      if (!equal(a.begin()[i], b.begin()[i])) return false;
+    }
+    return true;
+  }
+
+  bool equalDictionaries(const Dictionary& a, const Dictionary& b) {
+    if (a.count() != b.count()) return false;
+    for (const auto& [key, value] : a) {
+      const PropertyValue* other = b.find(key);
+      if (other == nullptr || !equal(value, *other)) return false;
+    }
+    return true;
+  }
+
+  static constexpr std::size_t kUnwatched = 1000;
+  std::size_t count_ = 0;
+  std::vector<Pair> pending_;
+  std::unordered_set<Pair, PairHash> seen_;
+};
+
+PropertyValue valueOf(const Object& o) { return const_cast<Object*>(&o); }
+
+}  // namespace
+
+bool deepEqual(const Array& a, const PropertyValue& b) {
+  return b.isArray() && Comparer().run(valueOf(a), b);
+}
+bool deepEqual(const Dictionary& a, const PropertyValue& b) {
+  return b.isDictionary() && Comparer().run(valueOf(a), b);
+}
+
+std::size_t memberHash(const PropertyValue& v) {
+  const Object* o = v.object();
+  if (o == nullptr) return v.hash();
+  switch (ObjectAccess::kind(*o)) {
+    case ObjectKind::array:
+      return ObjectAccess::has(*o, kOwnHash)
+                 ? o->hash()
+                 : combineHashes(1, static_cast<const Array*>(o)->count());
+    case ObjectKind::dictionary:
+      return ObjectAccess::has(*o, kOwnHash)
+                 ? o->hash()
+                 : combineHashes(2, static_cast<const Dictionary*>(o)->count());
+    case ObjectKind::set:
+      return 3;
+    default:
+      return o->hash();
+  }
+}
+
+std::size_t shallowHash(const Array& a) {
+  std::size_t h = combineHashes(1, a.count());
+  for (const PropertyValue& v : a) h = combineHashes(h, memberHash(v));
+  return h;
+}
+
+// Free of order, as equality is.
+std::size_t shallowHash(const Dictionary& d) {
+  std::size_t h = combineHashes(2, d.count());
+  for (const auto& [key, value] : d) h += combineHashes(key.hash(), memberHash(value));
+  return h;
+}
+
+}  // namespace qx::detail

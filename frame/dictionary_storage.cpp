@@ -1,0 +1,163 @@
+#include "frame/dictionary_storage.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <new>
+
+#include "frame/raise.h"
+#include "frame/string_storage.h"
+
+namespace qx::detail {
+
+Ref<Dictionary> DictionaryStorage::allocate(Shape* shape) {
+  static const std::uint16_t index = classIndexOf(classOf<Dictionary>());
+  static_assert(sizeof(Made<Dictionary>) == sizeof(Dictionary));
+  void* memory = ::operator new(sizeof(Made<Dictionary>) + shape->slots() * sizeof(PropertyValue));
+  auto* d = ::new (memory) Made<Dictionary>(Passkey{}, shape, 0U);
+  ObjectAccess::setClass(*d, index, 0);
+  std::uninitialized_default_construct_n(values(*d), shape->slots());
+  return Ref<Dictionary>::adopt(d);
+}
+
+void DictionaryStorage::reserve(MutableDictionary& d, std::size_t slots) {
+  if (slots <= d.capacity_) return;
+  const std::size_t capacity = std::max({slots, d.capacity_ * 2, std::size_t{4}});
+  void* grown = std::realloc(static_cast<void*>(d.values_), capacity * sizeof(PropertyValue));
+  if (grown == nullptr) throw std::bad_alloc();
+  d.values_ = static_cast<PropertyValue*>(grown);
+  d.capacity_ = capacity;
+}
+
+void DictionaryStorage::append(MutableDictionary& d, PropertyValue value, Ref<String> key) {
+  const std::size_t slots = d.shape_->slots();
+  reserve(d, slots + 1);
+  if (d.shape_->isShared()) {
+    Shape* next = nullptr;
+    if (slots < Shape::kMaxShared) {
+      Ref<String> keys[Shape::kMaxShared];
+      std::copy_n(d.shape_->keys(), slots, keys);
+      keys[slots] = std::move(key);
+      next = Shape::shared(keys, slots + 1);
+    } else {
+      next = Shape::own(slots * 2);
+      for (std::size_t i = 0; i < slots; ++i) next->append(d.shape_->key(i));
+      next->append(std::move(key));
+    }
+    std::exchange(d.shape_, next)->release();
+  } else {
+    d.shape_->append(std::move(key));
+  }
+  ::new (static_cast<void*>(d.values_ + slots)) PropertyValue(std::move(value));
+}
+
+void DictionaryStorage::set(MutableDictionary& d, PropertyValue value, StringArg key) {
+  const std::size_t slot = d.shape_->slotOf(KeyText(key));
+  if (slot == Shape::kAbsent) {
+    append(d, std::move(value), immutableString(key));
+  } else {
+    std::swap(d.values_[slot], value);  // what stood there is released last
+  }
+}
+
+void DictionaryStorage::removeShared(MutableDictionary& d, std::size_t slot) {
+  const std::size_t slots = d.shape_->slots();
+  Ref<String> keys[Shape::kMaxShared];
+  std::copy_n(d.shape_->keys(), slot, keys);
+  std::copy(d.shape_->keys() + slot + 1, d.shape_->keys() + slots, keys + slot);
+  std::exchange(d.shape_, Shape::shared(keys, slots - 1))->release();
+  std::memmove(static_cast<void*>(d.values_ + slot), d.values_ + slot + 1,
+               (slots - slot - 1) * sizeof(PropertyValue));
+}
+
+void DictionaryStorage::removeOwn(MutableDictionary& d, std::size_t slot) {
+  d.shape_->makeHole(slot);
+  if (!d.shape_->worthClosing()) return;
+  const std::vector<std::size_t> from =
+      d.shape_->closeHoles();  // holes hold nil, whose bytes need no end
+  for (std::size_t to = 0; to < from.size(); ++to) {
+    if (to != from[to])
+      std::memcpy(static_cast<void*>(d.values_ + to), d.values_ + from[to], sizeof(PropertyValue));
+  }
+}
+
+void DictionaryStorage::remove(MutableDictionary& d, StringArg key) {
+  const std::size_t slot = d.shape_->slotOf(KeyText(key));
+  if (slot == Shape::kAbsent) return;
+  const PropertyValue removed = std::move(d.values_[slot]);
+  if (d.shape_->isShared()) {
+    removeShared(d, slot);
+  } else {
+    removeOwn(d, slot);
+  }
+}
+
+void DictionaryStorage::clear(MutableDictionary& d) {
+  Shape* shape = std::exchange(d.shape_, Shape::empty());
+  PropertyValue* values = std::exchange(d.values_, nullptr);
+  d.capacity_ = 0;
+  std::destroy_n(values, shape->slots());
+  std::free(values);
+  shape->release();
+}
+
+Ref<Dictionary> DictionaryStorage::immutableCopy(const Dictionary& d) {
+  Shape* shape = d.shape_;
+  if (shape->isShared()) {
+    shape->retain();
+  } else {
+    shape = Shape::own(shape->count());
+    for (const auto& item : d) shape->append(const_cast<String*>(&item.key));
+  }
+  Ref<Dictionary> copy = allocate(shape);
+  PropertyValue* to = values(*copy);
+  for (const auto& item : d) *to++ = item.value;
+  return copy;
+}
+
+DictionaryBuilder::~DictionaryBuilder() {
+  if (last_ != nullptr) last_->release();
+}
+
+namespace {
+
+constexpr char kFromObjects[] = "+[NSDictionary dictionaryWithObjects:forKeys:]";
+
+bool areDistinct(const Ref<String>* keys, std::size_t count) {
+  for (std::size_t i = 1; i < count; ++i) {
+    for (std::size_t j = 0; j < i; ++j) {
+      if (keys[i]->isEqualToString(keys[j])) return false;
+    }
+  }
+  return true;
+}
+
+Ref<Dictionary> buildByOne(const Ref<String>* keys, PropertyValue* values, std::size_t count) {
+  const auto collect = MutableDictionary::init();
+  DictionaryStorage::reserve(*collect, count);
+  for (std::size_t i = 0; i < count; ++i)
+    DictionaryStorage::set(*collect, std::move(values[i]), keys[i]);
+  return DictionaryStorage::immutableCopy(*collect);
+}
+
+}  // namespace
+
+Ref<Dictionary> DictionaryBuilder::build(const Ref<String>* keys, PropertyValue* values,
+                                         std::size_t count) {
+  for (std::size_t i = 0; i < count; ++i) {
+    if (keys[i] == nullptr || values[i].isNil()) raiseNilStored(kFromObjects);
+  }
+  if (last_ == nullptr || !last_->hasKeys(keys, count)) {
+    if (count > Shape::kMaxShared || !areDistinct(keys, count))
+      return buildByOne(keys, values, count);
+    Shape* next = Shape::shared(keys, count);
+    if (Shape* old = std::exchange(last_, next)) old->release();
+  }
+  last_->retain();
+  Ref<Dictionary> d = DictionaryStorage::allocate(last_);
+  std::move(values, values + count, DictionaryStorage::values(*d));
+  return d;
+}
+
+}  // namespace qx::detail

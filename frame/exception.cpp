@@ -1,0 +1,68 @@
+#include <QXFoundation/class.h>
+#include <QXFoundation/exception.h>
+
+#include "frame/raise.h"
+
+namespace qx {
+
+Exception::Exception(const char* name, std::string reason)
+    : name_(name), reason_(std::move(reason)), what_(std::string(name) + ": " + reason_) {}
+
+// Out of line, so that the type information of each class stands once.
+Exception::~Exception() = default;
+InvalidArgumentException::~InvalidArgumentException() = default;
+InternalInconsistencyException::~InternalInconsistencyException() = default;
+RangeException::~RangeException() = default;
+GenericException::~GenericException() = default;
+QualifierVariableSubstitutionException::~QualifierVariableSubstitutionException() = default;
+
+namespace detail {
+
+void raiseInvalidArgument(std::string reason) { throw InvalidArgumentException(std::move(reason)); }
+
+void raiseNil(const char* where) {
+  raiseInvalidArgument(std::string("nil was used as an object in ") + where);
+}
+
+void raiseUnsupported(const PropertyValue& receiver, Selector selector) {
+  const Object* object = receiver.object();
+  const bool isClass = object != nullptr && ObjectAccess::kind(*object) == ObjectKind::cls;
+  const Class* cls = isClass ? static_cast<const Class*>(object) : receiver.cls();
+  std::string reason = isClass ? "+[" : "-[";
+  reason += cls == nullptr ? "nil" : cls->name();
+  reason += ' ';
+  reason += selector.isNull() ? "(null)" : selector.text();
+  reason += "]: the receiver has no such operation";
+  raiseInvalidArgument(std::move(reason));
+}
+
+void raiseIndex(const char* operation, std::size_t index, std::size_t count) {
+  throw RangeException(std::string(operation) + ": index " + std::to_string(index) +
+                       " is beyond the count " + std::to_string(count));
+}
+
+void raiseRange(const char* operation, std::size_t location, std::size_t length,
+                std::size_t count) {
+  throw RangeException(std::string(operation) + ": the range of " + std::to_string(length) +
+                       " from " + std::to_string(location) + " leaves the length " +
+                       std::to_string(count));
+}
+
+void raiseNilStored(const char* operation) {
+  raiseInvalidArgument(std::string(operation) + ": nil can not be stored");
+}
+
+void raiseTooLong(const char* what) {
+  raiseInvalidArgument(std::string(what) + " is longer than the value model holds");
+}
+
+void raiseKind(const char* wanted, const PropertyValue& got) {
+  const Class* cls = got.cls();
+  std::string text = got.description();
+  if (text.size() > 80) text = text.substr(0, 77) + "...";
+  raiseInvalidArgument(std::string("a value of class ") + (cls == nullptr ? "nil" : cls->name()) +
+                       " (" + text + ") can not stand for " + wanted);
+}
+
+}  // namespace detail
+}  // namespace qx

@@ -1,0 +1,10 @@
+#pragma once
+
+#include <string>
+
+namespace qx::detail {
+
+// "age" -> "setAge:"
+std::string setterNamed(std::string property);
+
+}  // namespace qx::detail

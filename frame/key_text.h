@@ -1,0 +1,41 @@
+#pragma once
+
+#include <string>
+
+#include <QXFoundation/string_arg.h>
+
+#include "frame/text_span.h"
+
+namespace qx::detail {
+
+// A text parameter as a key: its units in the narrowest form, and their hash. Borrows from the
+// argument; only text beyond ASCII given as UTF-8 is converted.
+struct KeyText {
+  explicit KeyText(StringArg text);
+  KeyText(const KeyText&) = delete;
+  KeyText& operator=(const KeyText&) = delete;
+
+  TextSpan span;
+  std::uint32_t hash = 0;
+
+ private:
+  std::string narrow_;
+  std::u16string wide_;
+};
+
+// A text parameter as code units, without the hash.
+class ArgText {
+ public:
+  explicit ArgText(StringArg text);
+  ArgText(const ArgText&) = delete;
+  ArgText& operator=(const ArgText&) = delete;
+  operator TextSpan() const { return span_; }
+  const TextSpan* operator->() const { return &span_; }
+
+ private:
+  TextSpan span_;
+  std::string narrow_;
+  std::u16string wide_;
+};
+
+}  // namespace qx::detail

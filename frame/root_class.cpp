@@ -1,0 +1,80 @@
+// The root class, whose operations every value answers by selector, and the class of the null
+// object.
+
+#include <QXFoundation/class.h>
+#include <QXFoundation/string.h>
+
+#include "frame/comparison_operations.h"
+#include "frame/library_class.h"
+
+namespace qx {
+namespace detail {
+
+// Stands for the class of the null object alone: null itself is inline.
+class NullObject : public Object {};
+
+void describe(ClassBuilder<NullObject>& c) {
+  c.setCore();
+  c.name("NSNull").inherits<Object>();
+}
+
+const Class& nullClass() { return buildLibraryClass<NullObject>(); }
+
+}  // namespace detail
+
+void describe(ClassBuilder<Object>& c) {
+  using detail::Comparison;
+  c.setCore();
+  c.name("NSObject");
+  c.operation("isEqual:", &detail::isEqualOperation);
+  c.operation("isEqualTo:", &detail::comparisonOperation<Comparison::isEqualTo>);
+  c.operation("isNotEqualTo:", &detail::comparisonOperation<Comparison::isNotEqualTo>);
+  c.operation("isLessThan:", &detail::comparisonOperation<Comparison::isLessThan>);
+  c.operation("isLessThanOrEqualTo:",
+              &detail::comparisonOperation<Comparison::isLessThanOrEqualTo>);
+  c.operation("isGreaterThan:", &detail::comparisonOperation<Comparison::isGreaterThan>);
+  c.operation("isGreaterThanOrEqualTo:",
+              &detail::comparisonOperation<Comparison::isGreaterThanOrEqualTo>);
+  c.operation("self", +[](const PropertyValue& r) { return r; });
+  c.operation(
+      "class", +[](const PropertyValue& r) { return PropertyValue(const_cast<Class*>(r.cls())); });
+  c.operation("hash", +[](const PropertyValue& r) { return r.hash(); });
+  c.operation(
+      "description", +[](const PropertyValue& r) {
+        return r.isString() ? r.copy() : PropertyValue(r.description());
+      });
+  c.operation("copy", +[](const PropertyValue& r) { return r.copy(); });
+  c.operation("mutableCopy", +[](const PropertyValue& r) { return r.mutableCopy(); });
+  c.operation(
+      "isKindOfClass:", +[](const PropertyValue& r, const Ref<Class>& cls) {
+        return cls != nullptr && r.isKindOfClass(*cls);
+      });
+  c.operation(
+      "respondsToSelector:", +[](const PropertyValue& r, const PropertyValue& name) {
+        return name.isString() && r.respondsToSelector(Selector::named(name.description()));
+      });
+  c.operation(
+      "valueForKey:",
+      +[](const PropertyValue& r, const Ref<String>& key) { return r.valueForKey(key); });
+  c.operation(
+      "valueForKeyPath:",
+      +[](const PropertyValue& r, const Ref<String>& path) { return r.valueForKeyPath(path); });
+  c.operation(
+      "setValue:forKey:", +[](const PropertyValue& r, const PropertyValue& v,
+                              const Ref<String>& key) { r.setValue(v, key); });
+}
+
+void describe(ClassBuilder<Class>& c) {
+  c.setCore();
+  c.name("Class").inherits<Object>();
+  c.property("name", &Class::name);
+  c.operation(
+      "superclass", +[](const PropertyValue& r) {
+        return PropertyValue(const_cast<Class*>(r.as<Class>()->superclass()));
+      });
+}
+
+const Class& classObject(detail::Type<Object>) { return detail::buildLibraryClass<Object>(); }
+const Class& classObject(detail::Type<Class>) { return detail::buildLibraryClass<Class>(); }
+
+}  // namespace qx

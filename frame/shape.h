@@ -1,0 +1,72 @@
+#pragma once
+
+// Shape: the ordered list of keys of a dictionary, with the way from a key to its slot.
+//
+// Dictionaries of up to kMaxShared keys share one shape for each list of keys, which is found in a
+// table of the process and lives as long as a dictionary uses it. Shared shapes are immutable. A
+// larger dictionary has a shape of its own with a hash index; removing a key there leaves a hole,
+// which later growth closes.
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include <QXFoundation/string.h>
+
+#include "frame/hash_index.h"
+#include "frame/key_text.h"
+
+namespace qx::detail {
+
+class Shape {
+ public:
+  static constexpr std::size_t kMaxShared = 16;
+  static constexpr std::size_t kAbsent = ~std::size_t{0};
+
+  Shape(const Shape&) = delete;
+  Shape& operator=(const Shape&) = delete;
+
+  // The shared shape of these distinct, immutable keys, at most kMaxShared; the caller owns one
+  // count. Thread-safe.
+  static Shape* shared(const Ref<String>* keys, std::size_t count);
+  static Shape* empty();
+  // A shape of its own, for one dictionary, empty; the caller owns the one count.
+  static Shape* own(std::size_t capacity);
+
+  void retain() noexcept { refs_.fetch_add(1, std::memory_order_relaxed); }
+  void release() noexcept;
+
+  bool isShared() const { return shared_; }
+  // Slots, holes included; the keys of holes are nil.
+  std::size_t slots() const { return keys_.size(); }
+  std::size_t count() const { return keys_.size() - holes_; }
+  const Ref<String>& key(std::size_t slot) const { return keys_[slot]; }
+  const Ref<String>* keys() const { return keys_.data(); }
+
+  // The key's slot, or kAbsent.
+  std::size_t slotOf(const KeyText& key) const;
+  bool hasKeys(const Ref<String>* keys, std::size_t count) const;
+
+  // Of an own shape alone. A key that is not there yet gets the next slot.
+  void append(Ref<String> key);
+  void makeHole(std::size_t slot);
+  bool worthClosing() const { return holes_ > 16 && holes_ > keys_.size() / 2; }
+  // Gives for each new slot the old one.
+  std::vector<std::size_t> closeHoles();
+
+ private:
+  Shape(bool shared, std::size_t capacity) : shared_(shared) { keys_.reserve(capacity); }
+  ~Shape() = default;
+  friend struct ShapeTable;
+
+  std::atomic<std::uint32_t> refs_{1};
+  const bool shared_;
+  std::uint64_t listHash_ = 0;
+  std::size_t holes_ = 0;
+  std::vector<Ref<String>> keys_;
+  std::vector<std::uint32_t> hashes_;
+  HashIndex index_;  // of an own shape
+};
+
+}  // namespace qx::detail

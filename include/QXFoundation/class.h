@@ -1,0 +1,165 @@
+// Class: what the library knows of a class at run time. Its objects describe the application's
+// classes too; see class_builder.h for how a class is declared.
+//
+//     const qx::Class* c = qx::classNamed("Person");
+//     if (c && c->isSubclassOf(qx::classOf<Animal>())) ...
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+#include <QXFoundation/object.h>
+#include <QXFoundation/property_value.h>
+#include <QXFoundation/selector.h>
+#include <QXFoundation/string_arg.h>
+
+namespace qx {
+
+class Archiver;
+class Unarchiver;
+
+// A named set of operations that a class may declare itself to offer. In C++ it is an abstract
+// struct with `static const Protocol& protocol()`; see ClassBuilder::conforms.
+class Protocol {
+ public:
+  constexpr explicit Protocol(const char* name) : name_(name) {}
+  Protocol(const Protocol&) = delete;
+  Protocol& operator=(const Protocol&) = delete;
+  const char* name() const { return name_; }
+
+ private:
+  const char* name_;
+};
+
+namespace detail {
+
+// Room for a member pointer, opaque.
+struct alignas(8) Payload {
+  unsigned char bytes[16] = {};
+};
+
+// What a property is read from: an object, or a plain struct that was described.
+class Subject {
+ public:
+  static Subject of(const Object& o) { return Subject(&o); }
+  template <class T>
+    requires(!std::is_base_of_v<Object, T>)
+  static Subject of(const T& record) {
+    return Subject(&record);
+  }
+  // The subject as the C++ type that declared the property.
+  template <class T>
+  const T& as() const {
+    if constexpr (std::is_base_of_v<Object, T>) {
+      return static_cast<const T&>(*static_cast<const Object*>(address_));
+    } else {
+      return *static_cast<const T*>(address_);
+    }
+  }
+  template <class T>
+  T& mutableAs() const {
+    return const_cast<T&>(as<T>());
+  }
+
+ private:
+  explicit Subject(const void* address) : address_(address) {}
+  const void* address_;
+};
+
+// A property as read without making a value: what fields of the usual types hold, borrowed.
+struct NativeField {
+  enum class Kind : std::uint8_t {
+    none,
+    boolean,
+    signedInteger,
+    unsignedInteger,
+    single,
+    real,
+    text,
+    value
+  };
+  Kind kind = Kind::none;
+  union {
+    std::int64_t i;
+    std::uint64_t u;
+    double d;
+    const PropertyValue* value;
+    std::string_view text;
+  };
+  NativeField() : i(0) {}
+};
+
+struct Property {
+  std::string_view name;
+  PropertyValue (*get)(const Subject&, const Payload&);
+  void (*set)(const Subject&, const Payload&, const PropertyValue&);  // null: read-only
+  NativeField (*native)(const Subject&, const Payload&);              // null: only `get`
+  Payload payload;
+};
+
+struct Operation {
+  Selector selector;
+  PropertyValue (*call)(const PropertyValue& receiver, const Payload&,
+                        const PropertyValue* arguments);
+  std::size_t argumentCount;
+  Payload payload;
+};
+
+// Which of the two sides of a class an operation is sought on.
+enum class Side : bool { instance, cls };
+
+struct ClassRecord;
+
+}  // namespace detail
+
+// A class as an object. Immortal and immutable; thread-safe.
+class QX_EXPORT Class : public Object {
+ public:
+  // The run-time name, such as "NSString" or "Person".
+  const char* name() const;
+  // Null for a root class.
+  const Class* superclass() const;
+  bool isSubclassOf(const Class& other) const;
+  bool instancesRespondToSelector(Selector selector) const;
+  bool conformsToProtocol(const Protocol& protocol) const;
+  // An instance made by the class's text initialiser; nil where the class has none or refuses the
+  // text.
+  PropertyValue initWithString(StringArg text) const;
+
+  bool isEqual(const PropertyValue& other) const override;
+  std::size_t hash() const override;
+  std::string description() const override;
+  Ref<Object> copy() const override;
+
+  // Inside the library: what the class declares.
+  const detail::ClassRecord& record() const { return *record_; }
+
+ protected:
+  friend struct detail::ClassRecord;
+  explicit Class(const detail::ClassRecord* record)
+      : Object(detail::ObjectKind::cls, detail::kLeaf), record_(record) {}
+
+ private:
+  const detail::ClassRecord* record_;
+};
+
+// The class of that name, of the library, or of the application once it was registered; null when
+// there is none.
+QX_EXPORT const Class* classNamed(StringArg name);
+
+QX_EXPORT const Class& classObject(detail::Type<Object>);
+QX_EXPORT const Class& classObject(detail::Type<Class>);
+
+namespace detail {
+// The object behind a protocol's interface, or null when the value's class does not declare it.
+QX_EXPORT void* protocolInterface(const PropertyValue& value, const Protocol& protocol);
+}  // namespace detail
+
+// The value as the interface P, borrowed, when its class declares to conform to P; null otherwise.
+template <class P>
+P* asProtocol(const PropertyValue& value) {
+  return static_cast<P*>(detail::protocolInterface(value, P::protocol()));
+}
+
+}  // namespace qx

@@ -1,0 +1,60 @@
+// Data and MutableData: a sequence of bytes.
+//
+//     auto d = qx::Data::from("bytes");  d->bytes()[0];
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+#include <QXFoundation/object.h>
+#include <QXFoundation/property_value.h>
+#include <QXFoundation/string.h>
+
+namespace qx {
+
+// Immutable bytes. The class is "NSData". Thread-safe.
+class QX_EXPORT Data : public Object {
+ public:
+  static Ref<Data> from(std::string_view bytes);
+
+  std::size_t length() const { return length_; }
+  const unsigned char* bytes() const;
+  // Borrowed from the object; a mutable one's ends with its next change.
+  std::string_view view() const { return {reinterpret_cast<const char*>(bytes()), length_}; }
+
+  bool isEqual(const PropertyValue& other) const override;
+  std::size_t hash() const override;
+  // "<0a1b...>", hexadecimal in groups of four bytes.
+  std::string description() const override;
+  Ref<Object> copy() const override;
+  Ref<Object> mutableCopy() const override;
+
+  // Inside the library.
+  Data(detail::Passkey, std::size_t length, unsigned bits = 0);
+
+ protected:
+  std::size_t length_;
+};
+
+// Bytes that change in place. The class is "NSMutableData". Belongs to one thread at a time.
+class QX_EXPORT MutableData : public Data {
+ public:
+  static Ref<MutableData> from(std::string_view bytes);
+  static Ref<MutableData> init() { return from({}); }
+
+  void appendBytes(std::string_view bytes);
+  void setData(std::string_view bytes);
+  Ref<Object> copy() const override;
+
+  explicit MutableData(detail::Passkey);
+
+ private:
+  friend class Data;
+  std::string buffer_;
+};
+
+QX_EXPORT const Class& classObject(detail::Type<Data>);
+QX_EXPORT const Class& classObject(detail::Type<MutableData>);
+
+}  // namespace qx

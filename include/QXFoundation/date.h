@@ -1,0 +1,48 @@
+// Date: an absolute time.
+//
+//     auto d = qx::Date::dateWithTimeIntervalSince1970(0);  d->description();   // "1970-01-01
+//     00:00:00 +0000"
+#pragma once
+
+#include <string>
+
+#include <QXFoundation/object.h>
+#include <QXFoundation/property_value.h>
+#include <QXFoundation/string.h>
+
+namespace qx {
+
+// Seconds are doubles, UTC, without leap seconds. The class is "NSDate". Immutable, thread-safe. A
+// NaN date equals itself and orders below every other.
+class QX_EXPORT Date : public Object {
+ public:
+  static Ref<Date> dateWithTimeIntervalSince1970(double seconds);
+  static Ref<Date> dateWithTimeIntervalSinceReferenceDate(double seconds);
+  // The present moment.
+  static Ref<Date> date();
+
+  double timeIntervalSince1970() const { return seconds_; }
+  // The reference date is 2001-01-01 00:00:00 UTC.
+  double timeIntervalSinceReferenceDate() const { return seconds_ - kReferenceDate; }
+  double timeIntervalSinceDate(In<Date> other) const { return seconds_ - other->seconds_; }
+  // Raises InvalidArgumentException for what is no date.
+  ComparisonResult compare(const PropertyValue& other) const;
+
+  bool isEqual(const PropertyValue& other) const override;
+  std::size_t hash() const override;
+  std::string description() const override;
+  Ref<Object> copy() const override;
+
+  // Seconds from 1970-01-01 to the reference date.
+  static constexpr double kReferenceDate = 978307200.0;
+
+  // Inside the library.
+  Date(detail::Passkey, double seconds);
+
+ private:
+  double seconds_;
+};
+
+QX_EXPORT const Class& classObject(detail::Type<Date>);
+
+}  // namespace qx

@@ -1,0 +1,17 @@
+// Marks what the shared library exports; everything unmarked stays inside it.
+//
+//   class QX_EXPORT Fraction { ... };
+//   QX_EXPORT bool qxIsEmpty(...);
+//
+// QX_STATIC    defined for users of the static library (both packages do it): nothing is marked, so that a
+//              program or library made from it exports nothing on its behalf.
+// QX_BUILDING  defined while the library's own sources are compiled, and never for users. Exporting and
+//              importing carry the same mark on ELF systems.
+
+#pragma once
+
+#if defined(QX_STATIC) && !defined(QX_BUILDING)
+#define QX_EXPORT
+#else
+#define QX_EXPORT __attribute__((visibility("default")))
+#endif

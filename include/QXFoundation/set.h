@@ -1,0 +1,65 @@
+// Set and MutableSet: collections without duplicates, by equality and hash. They keep insertion
+// order.
+//
+//     auto s = qx::MutableSet::init();  s->addObject("a");  s->containsObject("a");
+#pragma once
+
+#include <cstddef>
+
+#include <QXFoundation/array.h>
+#include <QXFoundation/object.h>
+#include <QXFoundation/property_value.h>
+#include <QXFoundation/string.h>
+
+namespace qx {
+
+namespace detail {
+struct SetStorage;
+}
+
+// An immutable set. The class is "NSSet". As thread-safe as its members.
+class QX_EXPORT Set : public Object {
+ public:
+  static Ref<Set> from(In<Array> members);
+
+  std::size_t count() const;
+  bool containsObject(const PropertyValue& value) const { return !member(value).isNil(); }
+  // The member equal to the value; nil when there is none.
+  PropertyValue member(const PropertyValue& value) const;
+  Ref<Array> allObjects() const;
+  bool isSubsetOfSet(In<Set> other) const;
+
+  bool isEqual(const PropertyValue& other) const override;
+  std::size_t hash() const override;
+  std::string description() const override;
+  Ref<Object> copy() const override;
+  Ref<Object> mutableCopy() const override;
+
+  // Inside the library.
+  explicit Set(detail::Passkey, unsigned bits = 0);
+  const detail::SetStorage& storage() const { return *storage_; }
+
+ protected:
+  ~Set() override;
+  detail::SetStorage* storage_;
+};
+
+// A set that changes in place. The class is "NSMutableSet". Belongs to one thread at a time.
+class QX_EXPORT MutableSet : public Set {
+ public:
+  MutableSet();
+  static Ref<MutableSet> init();
+  static Ref<MutableSet> from(In<Array> members);
+
+  // An equal member that is there already stays. Nil raises InvalidArgumentException.
+  void addObject(const PropertyValue& value);
+  void removeObject(const PropertyValue& value);
+  void removeAllObjects();
+
+  Ref<Object> copy() const override;
+};
+
+QX_EXPORT const Class& classObject(detail::Type<Set>);
+QX_EXPORT const Class& classObject(detail::Type<MutableSet>);
+
+}  // namespace qx
