@@ -24,10 +24,12 @@ set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/lib)
 set(CMAKE_ARCHIVE_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/lib)
 
-# The sloppiness lets ccache serve sources that use the tests' precompiled header.
+# The sloppiness lets ccache serve sources that use the tests' precompiled header; paths below the base are cached as
+# relative ones, so that another checkout is served too.
 find_program(QXFOUNDATION_CCACHE ccache)
 mark_as_advanced(QXFOUNDATION_CCACHE)
 if(QXFOUNDATION_CCACHE AND NOT DEFINED CMAKE_CXX_COMPILER_LAUNCHER)
   set(CMAKE_CXX_COMPILER_LAUNCHER
-      ${CMAKE_COMMAND} -E env CCACHE_SLOPPINESS=pch_defines,time_macros ${QXFOUNDATION_CCACHE})
+      ${CMAKE_COMMAND} -E env CCACHE_SLOPPINESS=pch_defines,time_macros CCACHE_BASEDIR=${PROJECT_SOURCE_DIR}
+      CCACHE_NOHASHDIR=1 ${QXFOUNDATION_CCACHE})
 endif()

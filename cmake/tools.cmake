@@ -10,8 +10,10 @@ find_package(nlohmann_json REQUIRED)
 
 add_executable(qx ${qx_sources})
 target_include_directories(qx PRIVATE ${PROJECT_SOURCE_DIR})
+target_compile_definitions(qx PRIVATE QX_VERSION="${PROJECT_VERSION}")
 target_link_libraries(
-  qx PRIVATE qxfoundation qxfoundation_warnings CLI11::CLI11 nlohmann_json::nlohmann_json)
+  qx PRIVATE qxfoundation qxfoundation_warnings CLI11::CLI11 nlohmann_json::nlohmann_json
+             PkgConfig::QXFOUNDATION_libutf8proc)
 file(RELATIVE_PATH bin_to_lib /${CMAKE_INSTALL_BINDIR} /${CMAKE_INSTALL_LIBDIR})
 set_target_properties(qx PROPERTIES CXX_EXTENSIONS OFF INSTALL_RPATH "$ORIGIN/${bin_to_lib}")
 install(TARGETS qx)

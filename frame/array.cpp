@@ -196,12 +196,12 @@ void MutableArray::removeAllObjects() {
 
 void MutableArray::addObjectsFromArray(In<Array> other) {
   if (!other) return;
-  const std::size_t n = other->count();
-  for (std::size_t i = 0; i < n && i < other->count(); ++i) addObject(other->begin()[i]);
+  const Ref<Array> held = ArrayStorage::steady(*other);  // it may be this one
+  for (const PropertyValue& value : *held) addObject(value);
 }
 
 void MutableArray::setArray(In<Array> other) {
-  const Ref<Array> held = other ? Array::from(other->begin(), other->count()) : nullptr;
+  const Ref<Array> held = other ? ArrayStorage::steady(*other) : nullptr;
   removeAllObjects();
   addObjectsFromArray(held);
 }

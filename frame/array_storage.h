@@ -4,6 +4,8 @@
 // buffer of its own.
 
 #include <cstddef>
+#include <cstdint>
+#include <new>
 
 #include <QXFoundation/array.h>
 
@@ -19,9 +21,26 @@ struct ArrayStorage {
     return const_cast<PropertyValue*>(values(static_cast<const Array&>(a)));
   }
 
+  // What the array holds now, for walks that run code which may change it: the array itself where
+  // nothing can.
+  static Ref<Array> steady(const Array& a) {
+    return isMutable(a) ? Array::from(a.begin(), a.count()) : Ref<Array>(const_cast<Array*>(&a));
+  }
+
   // An immutable array whose elements are nil until the caller has filled every one of them, before
   // anyone else sees it.
   static Ref<Array> allocate(std::size_t count);
+
+  // Adds values[picks[0]], values[picks[1]] ... to an array of exactly the class MutableArray,
+  // whose primitives nobody overrides.
+  static void addPicked(MutableArray& a, const PropertyValue* values, const std::uint32_t* picks,
+                        std::size_t count) {
+    if (a.capacity_ - a.count_ < count) a.grow(a.count_ + count);
+    PropertyValue* to = a.values_ + a.count_;
+    for (std::size_t i = 0; i < count; ++i)
+      ::new (static_cast<void*>(to + i)) PropertyValue(values[picks[i]]);
+    a.count_ += count;
+  }
 };
 
 }  // namespace qx::detail

@@ -76,15 +76,22 @@ class Adder : public ClassBuilderBase {
 void ClassRecord::seal() {
   const ClassRecord* base = super == nullptr ? nullptr : &super->record();
   if (!core) ownComparisons = declaredComparisons(operations);
-  Adder adder(*this);
-  for (const AddedOperations& added : addedOperations()) {
-    if (std::string_view(added.className) == name) added.add(adder);
+  if (ofLibrary) {
+    Adder adder(*this);
+    for (const AddedOperations& added : addedOperations()) {
+      if (std::string_view(added.className) == name) added.add(adder);
+    }
   }
   if (base != nullptr) {
     ownComparisons |= base->ownComparisons;
     lineage = base->lineage;
   }
   lineage.push_back(this);
+  inheritFrom(base);
+  indexNames();
+}
+
+void ClassRecord::inheritFrom(const ClassRecord* base) {
   const auto sameName = [](const Property& a, const Property& b) { return a.name == b.name; };
   const auto sameSelector = [](const Operation& a, const Operation& b) {
     return a.selector == b.selector;
@@ -96,6 +103,9 @@ void ClassRecord::seal() {
   complete(operations, base == nullptr ? nullptr : &base->operations, sameSelector);
   complete(classOperations, base == nullptr ? nullptr : &base->classOperations, sameSelector);
   complete(protocols, base == nullptr ? nullptr : &base->protocols, sameProtocol);
+}
+
+void ClassRecord::indexNames() {
   std::vector<std::uint32_t> keyHashes;
   for (const Property& p : properties) {
     propertyKeys_.push_back(
@@ -105,6 +115,9 @@ void ClassRecord::seal() {
   propertyIndex_.build(keyHashes);
   operationIndex_.build(selectorHashes(operations));
   classOperationIndex_.build(selectorHashes(classOperations));
+  for (Property& p : properties) {
+    p.setter = p.set == nullptr ? findOperation(setterSelector(p.name)) : nullptr;
+  }
 }
 
 const Property* ClassRecord::findProperty(const KeyText& key) const {
@@ -120,6 +133,12 @@ const Operation* ClassRecord::findOperation(Selector selector) const {
 
 const Operation* ClassRecord::findClassOperation(Selector selector) const {
   return findIn(classOperations, classOperationIndex_, selector);
+}
+
+Selector setterSelector(std::string_view property) {
+  std::string name(property);
+  if (!name.empty()) name[0] = static_cast<char>(asciiUpper(static_cast<unsigned char>(name[0])));
+  return Selector::named("set" + name + ":");
 }
 
 void ClassBuilderBase::addOperation(const Operation& operation) {

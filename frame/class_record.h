@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include <QXFoundation/class.h>
@@ -43,10 +44,13 @@ class FrozenIndex {
 // Filled by ClassBuilder, then sealed; immutable and immortal from then on.
 struct ClassRecord {
   const char* name = "";
+  std::string shownName;  // behind `name` of a class that declares none
   const Class* super = nullptr;
   std::uint16_t index = 0;
   // Set for the value model's own classes, whose operations the comparisons know without asking.
   bool core = false;
+  // Set for the library's own classes: the composition adds operations to no others.
+  bool ofLibrary = false;
   // A bit for each of the nine comparisons, and kComparesItself, that the class or a base declares
   // by itself.
   std::uint16_t ownComparisons = 0;
@@ -82,6 +86,9 @@ struct ClassRecord {
   void seal();
 
  private:
+  void inheritFrom(const ClassRecord* base);
+  void indexNames();
+
   std::vector<std::unique_ptr<KeyText>> propertyKeys_;
   FrozenIndex propertyIndex_;
   FrozenIndex operationIndex_;
@@ -100,7 +107,8 @@ const Class& nullClass();
 // How a class of this library is made, from its describe(). `classObject` of the class calls it.
 template <class T>
 const Class& buildLibraryClass() {
-  static const Class& c = findOrBuildClass(typeid(T).name(), [](ClassRecord& record) {
+  static const Class& c = findOrBuildClass(typeid(T), [](ClassRecord& record) {
+    record.ofLibrary = true;
     ClassBuilder<T> builder(record);
     describe(builder);
   });

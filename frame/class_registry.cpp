@@ -1,9 +1,13 @@
+#include <cxxabi.h>
+
+#include <algorithm>
 #include <array>
 #include <atomic>
-#include <cstring>
+#include <cstdlib>
 #include <memory>
 #include <mutex>
 #include <string_view>
+#include <typeinfo>
 #include <unordered_map>
 
 #include <QXFoundation/class.h>
@@ -26,11 +30,29 @@ struct ConcreteClass final : Class {
   void create_me_with_qx_make() const override {}
 };
 
+// A C++ type. Types of unnamed namespaces and static functions may share their name with one of
+// another translation unit, which std::type_index does not tell on every compiler.
+struct TypeKey {
+  const std::type_info* type;
+
+  TypeKey(const std::type_info& t) : type(&t) {}
+  bool isLocal() const {
+    const std::string_view name = type->name();
+    return name.find("_GLOBAL__N_") != name.npos || name.starts_with("ZL");
+  }
+  friend bool operator==(const TypeKey& a, const TypeKey& b) {
+    return a.type == b.type || (*a.type == *b.type && !a.isLocal());
+  }
+};
+struct TypeHash {
+  std::size_t operator()(const TypeKey& key) const { return key.type->hash_code(); }
+};
+
 // The classes of the process. Never destroyed. Reading by index takes no lock.
 struct Registry {
   std::array<std::atomic<Chunk*>, kChunk> chunks{};
   std::mutex mutex;  // for what follows
-  std::unordered_map<std::string_view, const Class*> byType;
+  std::unordered_map<TypeKey, const Class*, TypeHash> byType;
   std::unordered_map<std::string_view, const Class*> byName;
   std::uint16_t next = kFirstFreeIndex;
 
@@ -56,41 +78,71 @@ Registry& registry() {
 }
 
 // The two classes that objects name before any class is built have fixed numbers.
-std::uint16_t indexFor(Registry& r, const char* typeName) {
-  if (std::strcmp(typeName, typeid(Object).name()) == 0) return Registry::kRootIndex;
-  if (std::strcmp(typeName, typeid(Class).name()) == 0) return Registry::kClassIndex;
+std::uint16_t indexFor(Registry& r, TypeKey type) {
+  if (type == TypeKey(typeid(Object))) return Registry::kRootIndex;
+  if (type == TypeKey(typeid(Class))) return Registry::kClassIndex;
   if (r.next == kMaxClasses - 1)
     raiseInvalidArgument("more classes are described than an object's header can name");
   return r.next++;
 }
 
-const Class* findByType(Registry& r, const char* typeName) {
+const Class* findByType(Registry& r, TypeKey type) {
   const std::scoped_lock lock(r.mutex);
-  const auto found = r.byType.find(typeName);
+  const auto found = r.byType.find(type);
   return found == r.byType.end() ? nullptr : found->second;
+}
+
+const NamedClass* libraryClassNamed(std::string_view name) {
+  const auto all = libraryClasses();
+  const auto at =
+      std::find_if(all.begin(), all.end(), [&](const auto& c) { return c.name == name; });
+  return at == all.end() ? nullptr : &*at;
+}
+
+// What a class without a name is called in texts: its C++ name.
+void showTypeName(ClassRecord& record, const std::type_info& type) {
+  int status = 0;
+  const std::unique_ptr<char, decltype(&std::free)> readable(
+      abi::__cxa_demangle(type.name(), nullptr, nullptr, &status), &std::free);
+  record.shownName = readable == nullptr ? type.name() : readable.get();
+  record.name = record.shownName.c_str();
+}
+
+// Under the lock. The names of the library's classes are theirs alone; of two classes of one name
+// the first has it.
+void enter(Registry& r, TypeKey type, const ClassRecord& record, const Class* c) {
+  r.publish(record.index, c);
+  const auto typed = r.byType.emplace(type, c).first;
+  if (!record.shownName.empty()) return;
+  if (!record.ofLibrary && libraryClassNamed(record.name) != nullptr) return;
+  try {
+    r.byName.emplace(record.name, c);
+  } catch (...) {
+    r.byType.erase(typed);
+    throw;
+  }
 }
 
 }  // namespace
 
 // A description runs outside the lock, as it asks for other classes; of two threads that describe
 // one class at the same time, one's record is dropped.
-const Class& findOrBuildClass(const char* typeName, void (*build)(ClassRecord&)) {
+const Class& findOrBuildClass(const std::type_info& type, void (*build)(ClassRecord&)) {
   Registry& r = registry();
-  if (const Class* c = findByType(r, typeName)) return *c;
+  if (const Class* c = findByType(r, type)) return *c;
   auto record = std::make_unique<ClassRecord>();
   build(*record);
+  if (*record->name == '\0') showTypeName(*record, type);
   record->seal();
   const std::scoped_lock lock(r.mutex);
-  if (const auto found = r.byType.find(typeName); found != r.byType.end()) return *found->second;
-  record->index = indexFor(r, typeName);
-  auto* c = new ConcreteClass(record.get());
+  if (const auto found = r.byType.find(type); found != r.byType.end()) return *found->second;
+  auto c = std::make_unique<ConcreteClass>(record.get());
+  record->index = indexFor(r, type);
+  record->object = c.get();
   ObjectAccess::setClass(*c, Registry::kClassIndex, 0);
-  record->object = c;
-  r.byType.emplace(typeName, c);
-  if (*record->name != '\0') r.byName.emplace(record->name, c);
-  r.publish(record->index, c);
-  record.release();  // the class keeps it, for ever
-  return *c;
+  enter(r, type, *record, c.get());
+  record.release();  // the class keeps it, and both stay for ever
+  return *c.release();
 }
 
 const Class& classAtIndex(std::uint16_t index) {
@@ -113,10 +165,8 @@ const Class* classNamed(StringArg name) {
     const auto found = r.byName.find(text);
     if (found != r.byName.end()) return found->second;
   }
-  for (const detail::NamedClass& c : detail::libraryClasses()) {
-    if (c.name == text) return &c.get();
-  }
-  return nullptr;
+  const detail::NamedClass* c = detail::libraryClassNamed(text);
+  return c == nullptr ? nullptr : &c->get();
 }
 
 }  // namespace qx

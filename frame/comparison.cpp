@@ -14,6 +14,7 @@
 #include "frame/raise.h"
 #include "frame/string_storage.h"
 #include "frame/text_search.h"
+#include "frame/three_way.h"
 #include "frame/unicode.h"
 #include "frame/wildcard.h"
 #include "frame/word_access.h"
@@ -40,19 +41,9 @@ int orderDates(const PropertyValue& left, const PropertyValue& right) {
   return compareNumbers(NumericValue::real(a), NumericValue::real(b));
 }
 
-// What kind of order a value takes part in.
-enum class Orderable { none, number, string, date, own };
-
 bool comparesItself(const PropertyValue& v) {
   const Object* o = v.object();
   return o != nullptr && (o->cls().record().ownComparisons & ClassRecord::kComparesItself) != 0;
-}
-
-Orderable orderable(const PropertyValue& v) {
-  if (v.isString()) return comparesItself(v) ? Orderable::own : Orderable::string;
-  if (v.isNumber()) return comparesItself(v) ? Orderable::own : Orderable::number;
-  if (v.isDate()) return comparesItself(v) ? Orderable::own : Orderable::date;
-  return comparesItself(v) ? Orderable::own : Orderable::none;
 }
 
 bool ordered(Comparison c, int order) {
@@ -107,34 +98,40 @@ Selector selectorOf(Comparison comparison) {
                                         : kSelectors[static_cast<std::size_t>(comparison)];
 }
 
-bool orderOf(const PropertyValue& left, const PropertyValue& right, int& order) {
-  if (WordAccess::isInlineSigned(left) && WordAccess::isInlineSigned(right)) {
-    const std::int64_t a = WordAccess::inlineSigned(left);
-    const std::int64_t b = WordAccess::inlineSigned(right);
-    order = a < b ? -1 : a > b ? 1 : 0;
-    return true;
-  }
-  const Orderable kind = orderable(left);
-  if (kind == Orderable::own) {
-    order = performSelector(left, "compare:", right).intValue();
-    return true;
-  }
-  if (kind == Orderable::number) {
-    NumericValue a;
-    NumericValue b;
-    if (!numericOf(left, a) || !numericOf(right, b)) return false;
-    order = compareNumbers(a, b);
-    return true;
-  }
-  if (kind == Orderable::string && right.isString()) {
+namespace {
+
+// Of the number that a class's own comparison answers, of whatever kind and size.
+int signOf(const PropertyValue& v) {
+  NumericValue n;
+  return numericOf(v, n) ? compareNumbers(n, NumericValue::signedInteger(0)) : 0;
+}
+
+}  // namespace
+
+bool builtInOrder(const PropertyValue& left, const PropertyValue& right, int& order) {
+  if (left.isString() && right.isString()) {
     order = compareUnits(spanOf(left), spanOf(right));
     return true;
   }
-  if (kind == Orderable::date && right.isDate()) {
+  if (left.isDate() && right.isDate()) {
     order = orderDates(left, right);
     return true;
   }
-  return false;
+  NumericValue a;
+  NumericValue b;
+  if (!numericOf(left, a) || !numericOf(right, b)) return false;
+  order = compareNumbers(a, b);
+  return true;
+}
+
+bool orderOf(const PropertyValue& left, const PropertyValue& right, int& order) {
+  if (WordAccess::isInlineSigned(left) && WordAccess::isInlineSigned(right)) {
+    order = threeWay(WordAccess::inlineSigned(left), WordAccess::inlineSigned(right));
+    return true;
+  }
+  if (!comparesItself(left)) return builtInOrder(left, right, order);
+  order = signOf(performSelector(left, "compare:", right));
+  return true;
 }
 
 Applied applyBuiltIn(Comparison comparison, const PropertyValue& left, const PropertyValue& right) {
@@ -186,9 +183,10 @@ bool isEqualOperation(const PropertyValue& receiver, const PropertyValue& other)
 
 int compareOperation(const PropertyValue& receiver, const PropertyValue& other) {
   int order = 0;
-  if (orderable(receiver) == Orderable::none) raiseUnsupported(receiver, "compare:");
-  if (!orderOf(receiver, other, order)) raiseKind("the argument of compare:", other);
-  return order;
+  if (builtInOrder(receiver, other, order)) return order;
+  if (receiver.isString() || receiver.isNumber() || receiver.isDate())
+    raiseKind("the argument of compare:", other);
+  raiseUnsupported(receiver, "compare:");
 }
 
 int caseInsensitiveCompareOperation(const PropertyValue& receiver, const PropertyValue& other) {
@@ -210,11 +208,7 @@ bool demand(Comparison c, const PropertyValue& left, const PropertyValue& right)
   return a.result;
 }
 
-ComparisonResult threeWay(int order) {
-  return order < 0   ? ComparisonResult::ascending
-         : order > 0 ? ComparisonResult::descending
-                     : ComparisonResult::same;
-}
+ComparisonResult resultOf(int sign) { return static_cast<ComparisonResult>(sign); }
 
 }  // namespace
 }  // namespace qx::detail
@@ -254,14 +248,14 @@ bool PropertyValue::isCaseInsensitiveLike(const PropertyValue& pattern) const {
 ComparisonResult PropertyValue::compare(const PropertyValue& other) const {
   if (isNil()) return ComparisonResult::same;
   if (detail::comparesItself(*this)) {
-    return detail::threeWay(performSelector(*this, "compare:", other).intValue());
+    return detail::resultOf(detail::signOf(performSelector(*this, "compare:", other)));
   }
-  return detail::threeWay(detail::compareOperation(*this, other));
+  return detail::resultOf(detail::compareOperation(*this, other));
 }
 
 ComparisonResult PropertyValue::caseInsensitiveCompare(const PropertyValue& other) const {
   if (isNil()) return ComparisonResult::same;
-  return detail::threeWay(performSelector(*this, "caseInsensitiveCompare:", other).intValue());
+  return detail::resultOf(detail::signOf(performSelector(*this, "caseInsensitiveCompare:", other)));
 }
 
 }  // namespace qx

@@ -8,8 +8,9 @@
 
 namespace qx::detail {
 
-// Three-way order of two values. Strings, numbers and dates among themselves; other receivers by
-// the `compare:` that their class declares. False where the two do not compare.
+// Three-way order of two strings, two numbers or two dates. False where the two do not compare.
+bool builtInOrder(const PropertyValue& left, const PropertyValue& right, int& order);
+// The same, but by the receiver's own `compare:` where its class declares one.
 bool orderOf(const PropertyValue& left, const PropertyValue& right, int& order);
 
 // The built-in form of one of the nine, without asking the class; `responds` is false on receivers
@@ -22,6 +23,8 @@ bool comparisonOperation(const PropertyValue& receiver, const PropertyValue& oth
   return applyBuiltIn(C, receiver, other).result;
 }
 bool isEqualOperation(const PropertyValue& receiver, const PropertyValue& other);
+// These two raise InvalidArgumentException where the two do not compare. They are the built-in
+// order also of receivers whose class declares its own, which may build upon it.
 int compareOperation(const PropertyValue& receiver, const PropertyValue& other);
 int caseInsensitiveCompareOperation(const PropertyValue& receiver, const PropertyValue& other);
 

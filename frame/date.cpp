@@ -1,7 +1,9 @@
 #include <time.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cmath>
+#include <cstdlib>
 
 #include <QXFoundation/date.h>
 
@@ -28,7 +30,8 @@ Ref<Date> Date::date() {
 }
 
 ComparisonResult Date::compare(const PropertyValue& other) const {
-  return PropertyValue(const_cast<Date*>(this)).compare(other);
+  return static_cast<ComparisonResult>(
+      detail::compareOperation(PropertyValue(const_cast<Date*>(this)), other));
 }
 
 bool Date::isEqual(const PropertyValue& other) const {
@@ -49,8 +52,8 @@ void appendPadded(std::string& out, long long n, int width) {
 
 }  // namespace
 
-// "2001-02-03 04:05:06 +0000", the second's fraction cut off; a moment beyond the years -32767 to
-// 32767 as its seconds.
+// The second's fraction is cut toward the past. Days of the calendar reach to the year 32767, what
+// is shown as such somewhat less far.
 std::string Date::description() const {
   constexpr double kRange = 9e11;
   if (!(std::fabs(seconds_) < kRange))

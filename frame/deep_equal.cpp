@@ -3,21 +3,34 @@
 
 #include "frame/deep.h"
 #include "frame/hashing.h"
+#include "frame/raise.h"
 
 namespace qx::detail {
+
+std::size_t ObjectPairHash::operator()(const ObjectPair& p) const {
+  return combineHashes(reinterpret_cast<std::uintptr_t>(p.a),
+                       reinterpret_cast<std::uintptr_t>(p.b));
+}
+
 namespace {
 
-struct Pair {
-  const Object* a;
-  const Object* b;
-  friend bool operator==(const Pair&, const Pair&) = default;
-};
-struct PairHash {
-  std::size_t operator()(const Pair& p) const {
-    return combineHashes(reinterpret_cast<std::uintptr_t>(p.a),
-                         reinterpret_cast<std::uintptr_t>(p.b));
-  }
-};
+constexpr unsigned kMaxNesting = 500;
+__attribute__((tls_model("initial-exec"))) thread_local EqualityScope* outermostScope = nullptr;
+
+}  // namespace
+
+EqualityScope::EqualityScope() : outermost_(outermostScope == nullptr ? this : outermostScope) {
+  if (outermost_->depth_ == kMaxNesting)
+    raiseInvalidArgument("isEqual: sets and objects are nested more than 500 deep");
+  ++outermost_->depth_;
+  outermostScope = outermost_;
+}
+
+EqualityScope::~EqualityScope() {
+  if (--outermost_->depth_ == 0) outermostScope = nullptr;
+}
+
+namespace {
 
 bool isWalked(const PropertyValue& v, ObjectKind kind) {
   const Object* o = v.object();
@@ -32,7 +45,7 @@ class Comparer {
     if (isSame(a, b)) return true;
     putOff(a, b);
     while (!pending_.empty()) {
-      const Pair p = pending_.back();
+      const ObjectPair p = pending_.back();
       pending_.pop_back();
       const bool same =
           ObjectAccess::kind(*p.a) == ObjectKind::array
@@ -54,7 +67,7 @@ class Comparer {
   }
 
   bool putOff(const PropertyValue& a, const PropertyValue& b) {
-    const Pair p{a.object(), b.object()};
+    const ObjectPair p{a.object(), b.object()};
     if (++count_ > kUnwatched && !seen_.insert(p).second) return true;
     pending_.push_back(p);
     return true;
@@ -79,9 +92,10 @@ class Comparer {
   }
 
   static constexpr std::size_t kUnwatched = 1000;
+  const EqualityScope scope_;
   std::size_t count_ = 0;
-  std::vector<Pair> pending_;
-  std::unordered_set<Pair, PairHash> seen_;
+  std::vector<ObjectPair> pending_;
+  std::unordered_set<ObjectPair, ObjectPairHash> seen_;
 };
 
 PropertyValue valueOf(const Object& o) { return const_cast<Object*>(&o); }

@@ -1,7 +1,9 @@
 #include <QXFoundation/set.h>
 #include <QXFoundation/string.h>
 
+#include "frame/array_storage.h"
 #include "frame/deep.h"
+#include "frame/dictionary_storage.h"
 #include "frame/string_storage.h"
 #include "frame/utf.h"
 
@@ -10,6 +12,15 @@ namespace {
 
 constexpr unsigned kMaxDepth = 60;
 constexpr std::size_t kMaxText = std::size_t{16} << 20;
+
+// Of the containers that this thread is describing within each other.
+__attribute__((tls_model("initial-exec"))) thread_local unsigned depth = 0;
+struct Level {
+  Level() { ++depth; }
+  Level(const Level&) = delete;
+  Level& operator=(const Level&) = delete;
+  ~Level() { --depth; }
+};
 
 bool isPlainWord(TextSpan text) {
   for (std::size_t i = 0; i < text.size; ++i) {
@@ -40,22 +51,23 @@ class Describer {
       case ObjectKind::string:
         return describeString(static_cast<const String&>(o));
       case ObjectKind::array:
-        return describeAll(static_cast<const Array&>(o), "(", ")");
+        return describeAll(*ArrayStorage::steady(static_cast<const Array&>(o)), "(", ")");
       case ObjectKind::set:
         return describeAll(*static_cast<const Set&>(o).allObjects(), "{(", ")}");
       case ObjectKind::dictionary:
-        return describeDictionary(static_cast<const Dictionary&>(o));
+        return describeDictionary(*DictionaryStorage::steady(static_cast<const Dictionary&>(o)));
       default:
         out_ += o.description();
     }
   }
 
  private:
-  // False, with "..." written, when no more may be.
-  bool enter() {
-    if (depth_ < kMaxDepth && out_.size() < kMaxText) return true;
-    out_ += "...";
-    return false;
+  // Both write "..." where they hold.
+  bool isTooDeep() { return cutIf(depth >= kMaxDepth); }
+  bool isTooLong() { return cutIf(out_.size() >= kMaxText); }
+  bool cutIf(bool limitReached) {
+    if (limitReached) out_ += "...";
+    return limitReached;
   }
 
   void describeString(const String& s) {
@@ -70,46 +82,40 @@ class Describer {
   }
 
   void describeAll(const Array& a, const char* open, const char* close) {
-    if (!enter()) return;
-    ++depth_;
+    if (isTooDeep()) return;
+    const Level level;
     out_ += open;
-    for (std::size_t i = 0; i < a.count() && (i == 0 || enter()); ++i) {
-      if (i != 0) out_ += ", ";
-      describe(a.begin()[i]);
+    bool first = true;
+    for (const PropertyValue& v : a) {
+      if (!first) out_ += ", ";
+      first = false;
+      if (isTooLong()) break;
+      describe(v);
     }
     out_ += close;
-    --depth_;
   }
 
   void describeDictionary(const Dictionary& d) {
-    if (!enter()) return;
-    ++depth_;
+    if (isTooDeep()) return;
+    const Level level;
     out_ += "{";
     bool first = true;
     for (const auto& [key, value] : d) {
-      if (!first && !enter()) break;
       if (!first) out_ += ' ';
       first = false;
+      if (isTooLong()) break;
       describeString(key);
       out_ += " = ";
       describe(value);
       out_ += ';';
     }
     out_ += "}";
-    --depth_;
   }
 
   std::string out_;
-  unsigned depth_ = 0;
 };
 
 }  // namespace
-
-std::string describeDeep(const PropertyValue& container) {
-  Describer d;
-  d.describe(container);
-  return d.take();
-}
 
 std::string describeDeep(const Object& container) {
   Describer d;

@@ -103,7 +103,7 @@ Ref<Object> Dictionary::mutableCopy() const {
 }
 
 MutableDictionary::MutableDictionary()
-    : Dictionary(detail::Passkey{}, Shape::empty(), detail::kMutableVariant) {}
+    : Dictionary(detail::Passkey{}, Shape::empty().release(), detail::kMutableVariant) {}
 
 MutableDictionary::~MutableDictionary() {
   std::destroy_n(values_, DictionaryStorage::shape(*this).slots());
@@ -114,7 +114,7 @@ Ref<MutableDictionary> MutableDictionary::init() { return make<MutableDictionary
 
 Ref<MutableDictionary> MutableDictionary::dictionaryWithDictionary(In<Dictionary> other) {
   auto d = init();
-  d->addEntriesFromDictionary(other);
+  if (other) DictionaryStorage::fill(*d, *other);
   return d;
 }
 
@@ -133,11 +133,12 @@ void MutableDictionary::removeAllObjects() { DictionaryStorage::clear(*this); }
 
 void MutableDictionary::addEntriesFromDictionary(In<Dictionary> other) {
   if (!other || other.get() == this) return;
-  for (const auto& [key, value] : *other) setObject(value, key);
+  const Ref<Dictionary> held = DictionaryStorage::steady(*other);  // a subclass may run any code
+  for (const auto& [key, value] : *held) setObject(value, key);
 }
 
 void MutableDictionary::setDictionary(In<Dictionary> other) {
-  const Ref<Dictionary> held = other ? DictionaryStorage::immutableCopy(*other) : nullptr;
+  const Ref<Dictionary> held = other ? DictionaryStorage::steady(*other) : nullptr;
   removeAllObjects();
   addEntriesFromDictionary(held);
 }

@@ -11,13 +11,14 @@
 
 namespace qx::detail {
 
-Ref<Dictionary> DictionaryStorage::allocate(Shape* shape) {
+Ref<Dictionary> DictionaryStorage::allocate(ShapeCount shape) {
   static const std::uint16_t index = classIndexOf(classOf<Dictionary>());
   static_assert(sizeof(Made<Dictionary>) == sizeof(Dictionary));
-  void* memory = ::operator new(sizeof(Made<Dictionary>) + shape->slots() * sizeof(PropertyValue));
-  auto* d = ::new (memory) Made<Dictionary>(Passkey{}, shape, 0U);
+  const std::size_t slots = shape->slots();
+  void* memory = ::operator new(sizeof(Made<Dictionary>) + slots * sizeof(PropertyValue));
+  auto* d = ::new (memory) Made<Dictionary>(Passkey{}, shape.release(), 0U);
   ObjectAccess::setClass(*d, index, 0);
-  std::uninitialized_default_construct_n(values(*d), shape->slots());
+  std::uninitialized_default_construct_n(values(*d), slots);
   return Ref<Dictionary>::adopt(d);
 }
 
@@ -34,7 +35,7 @@ void DictionaryStorage::append(MutableDictionary& d, PropertyValue value, Ref<St
   const std::size_t slots = d.shape_->slots();
   reserve(d, slots + 1);
   if (d.shape_->isShared()) {
-    Shape* next = nullptr;
+    ShapeCount next;
     if (slots < Shape::kMaxShared) {
       Ref<String> keys[Shape::kMaxShared];
       std::copy_n(d.shape_->keys(), slots, keys);
@@ -45,7 +46,7 @@ void DictionaryStorage::append(MutableDictionary& d, PropertyValue value, Ref<St
       for (std::size_t i = 0; i < slots; ++i) next->append(d.shape_->key(i));
       next->append(std::move(key));
     }
-    std::exchange(d.shape_, next)->release();
+    std::exchange(d.shape_, next.release())->release();
   } else {
     d.shape_->append(std::move(key));
   }
@@ -61,40 +62,40 @@ void DictionaryStorage::set(MutableDictionary& d, PropertyValue value, StringArg
   }
 }
 
-void DictionaryStorage::removeShared(MutableDictionary& d, std::size_t slot) {
+// Both give what stood in the slot, to be released when the dictionary is whole again.
+PropertyValue DictionaryStorage::removeShared(MutableDictionary& d, std::size_t slot) {
   const std::size_t slots = d.shape_->slots();
   Ref<String> keys[Shape::kMaxShared];
   std::copy_n(d.shape_->keys(), slot, keys);
   std::copy(d.shape_->keys() + slot + 1, d.shape_->keys() + slots, keys + slot);
-  std::exchange(d.shape_, Shape::shared(keys, slots - 1))->release();
+  ShapeCount next = Shape::shared(keys, slots - 1);
+  PropertyValue removed = std::move(d.values_[slot]);
   std::memmove(static_cast<void*>(d.values_ + slot), d.values_ + slot + 1,
                (slots - slot - 1) * sizeof(PropertyValue));
+  std::exchange(d.shape_, next.release())->release();
+  return removed;
 }
 
-void DictionaryStorage::removeOwn(MutableDictionary& d, std::size_t slot) {
+PropertyValue DictionaryStorage::removeOwn(MutableDictionary& d, std::size_t slot) {
+  PropertyValue removed = std::move(d.values_[slot]);
   d.shape_->makeHole(slot);
-  if (!d.shape_->worthClosing()) return;
-  const std::vector<std::size_t> from =
-      d.shape_->closeHoles();  // holes hold nil, whose bytes need no end
-  for (std::size_t to = 0; to < from.size(); ++to) {
-    if (to != from[to])
-      std::memcpy(static_cast<void*>(d.values_ + to), d.values_ + from[to], sizeof(PropertyValue));
+  if (d.shape_->worthClosing()) {
+    d.shape_->closeHoles([&](std::size_t to, std::size_t from) {
+      // Holes hold nil, whose bytes need no end.
+      std::memcpy(static_cast<void*>(d.values_ + to), d.values_ + from, sizeof(PropertyValue));
+    });
   }
+  return removed;
 }
 
 void DictionaryStorage::remove(MutableDictionary& d, StringArg key) {
   const std::size_t slot = d.shape_->slotOf(KeyText(key));
   if (slot == Shape::kAbsent) return;
-  const PropertyValue removed = std::move(d.values_[slot]);
-  if (d.shape_->isShared()) {
-    removeShared(d, slot);
-  } else {
-    removeOwn(d, slot);
-  }
+  const PropertyValue removed = d.shape_->isShared() ? removeShared(d, slot) : removeOwn(d, slot);
 }
 
 void DictionaryStorage::clear(MutableDictionary& d) {
-  Shape* shape = std::exchange(d.shape_, Shape::empty());
+  Shape* shape = std::exchange(d.shape_, Shape::empty().release());
   PropertyValue* values = std::exchange(d.values_, nullptr);
   d.capacity_ = 0;
   std::destroy_n(values, shape->slots());
@@ -102,22 +103,33 @@ void DictionaryStorage::clear(MutableDictionary& d) {
   shape->release();
 }
 
-Ref<Dictionary> DictionaryStorage::immutableCopy(const Dictionary& d) {
-  Shape* shape = d.shape_;
-  if (shape->isShared()) {
-    shape->retain();
-  } else {
-    shape = Shape::own(shape->count());
-    for (const auto& item : d) shape->append(const_cast<String*>(&item.key));
+// The shape of the dictionary's keys without holes, shared where their number allows it.
+ShapeCount DictionaryStorage::closedShape(const Dictionary& d) {
+  if (d.shape_->isShared()) return d.shape_->another();
+  if (d.shape_->count() <= Shape::kMaxShared) {
+    Ref<String> keys[Shape::kMaxShared];
+    std::size_t count = 0;
+    for (const auto& item : d) keys[count++] = const_cast<String*>(&item.key);
+    return Shape::shared(keys, count);
   }
-  Ref<Dictionary> copy = allocate(shape);
+  ShapeCount shape = Shape::own(d.shape_->count());
+  for (const auto& item : d) shape->append(const_cast<String*>(&item.key));
+  return shape;
+}
+
+void DictionaryStorage::fill(MutableDictionary& d, const Dictionary& from) {
+  ShapeCount shape = closedShape(from);
+  reserve(d, shape->slots());
+  PropertyValue* to = d.values_;
+  for (const auto& item : from) ::new (static_cast<void*>(to++)) PropertyValue(item.value);
+  std::exchange(d.shape_, shape.release())->release();
+}
+
+Ref<Dictionary> DictionaryStorage::immutableCopy(const Dictionary& d) {
+  Ref<Dictionary> copy = allocate(closedShape(d));
   PropertyValue* to = values(*copy);
   for (const auto& item : d) *to++ = item.value;
   return copy;
-}
-
-DictionaryBuilder::~DictionaryBuilder() {
-  if (last_ != nullptr) last_->release();
 }
 
 namespace {
@@ -151,11 +163,9 @@ Ref<Dictionary> DictionaryBuilder::build(const Ref<String>* keys, PropertyValue*
   if (last_ == nullptr || !last_->hasKeys(keys, count)) {
     if (count > Shape::kMaxShared || !areDistinct(keys, count))
       return buildByOne(keys, values, count);
-    Shape* next = Shape::shared(keys, count);
-    if (Shape* old = std::exchange(last_, next)) old->release();
+    last_ = Shape::shared(keys, count);
   }
-  last_->retain();
-  Ref<Dictionary> d = DictionaryStorage::allocate(last_);
+  Ref<Dictionary> d = DictionaryStorage::allocate(last_->another());
   std::move(values, values + count, DictionaryStorage::values(*d));
   return d;
 }

@@ -1,6 +1,10 @@
+#include <algorithm>
+
 #include <QXFoundation/class.h>
 #include <QXFoundation/exception.h>
+#include <QXFoundation/string.h>
 
+#include "frame/class_record.h"
 #include "frame/raise.h"
 
 namespace qx {
@@ -36,6 +40,12 @@ void raiseUnsupported(const PropertyValue& receiver, Selector selector) {
   raiseInvalidArgument(std::move(reason));
 }
 
+void raiseNotSettable(const Class& cls, StringArg key) {
+  raiseInvalidArgument(std::string("-[") + cls.name() +
+                       " setValue:forKey:]: there is no property \"" + key.utf8() +
+                       "\" that can be set");
+}
+
 void raiseIndex(const char* operation, std::size_t index, std::size_t count) {
   throw RangeException(std::string(operation) + ": index " + std::to_string(index) +
                        " is beyond the count " + std::to_string(count));
@@ -56,12 +66,28 @@ void raiseTooLong(const char* what) {
   raiseInvalidArgument(std::string(what) + " is longer than the value model holds");
 }
 
+namespace {
+
+// Enough of a value to know it by in a reason: texts and numbers are shown, everything else is its
+// class. Runs no code of the application.
+std::string shown(const PropertyValue& v) {
+  if (v.isNil()) return "nil";
+  constexpr std::size_t kMost = 80;
+  std::string text = std::string("a value of class ") + v.cls()->name();
+  if (v.isString()) {
+    const auto* s = static_cast<const String*>(v.object());
+    text += " (" + s->substringToIndex(std::min(s->length(), kMost))->utf8();
+    text += s->length() > kMost ? "...)" : ")";
+  } else if (v.isNumber() && (v.object() == nullptr || v.object()->cls().record().ofLibrary)) {
+    text += " (" + v.description() + ")";
+  }
+  return text;
+}
+
+}  // namespace
+
 void raiseKind(const char* wanted, const PropertyValue& got) {
-  const Class* cls = got.cls();
-  std::string text = got.description();
-  if (text.size() > 80) text = text.substr(0, 77) + "...";
-  raiseInvalidArgument(std::string("a value of class ") + (cls == nullptr ? "nil" : cls->name()) +
-                       " (" + text + ") can not stand for " + wanted);
+  raiseInvalidArgument(shown(got) + " can not stand for " + wanted);
 }
 
 }  // namespace detail

@@ -3,11 +3,18 @@
 // HashIndex: from hashes to positions in a sequence that the caller keeps. Open addressing with
 // linear probing.
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
 
 namespace qx::detail {
+
+// So that the next push_back needs no memory: what stands in several vectors grows in all or none.
+template <class T>
+void makeRoomForOne(std::vector<T>& v) {
+  if (v.size() == v.capacity()) v.reserve(std::max<std::size_t>(v.size() * 2, 8));
+}
 
 // Positions are below 2^32 - 2. The hashes are the process's seeded ones, so that crafted keys do
 // not pile up.
@@ -29,7 +36,7 @@ class HashIndex {
     return kAbsent;
   }
 
-  // The caller knows that no equal element is there.
+  // The caller knows that no equal element is there. Where memory runs out, nothing has changed.
   void insert(std::uint32_t hash, std::size_t position) {
     if ((used_ + 1) * 4 > slots_.size() * 3) rehash();
     place(hash, static_cast<std::uint32_t>(position) + kFirst);
@@ -47,8 +54,9 @@ class HashIndex {
     }
   }
 
+  // Forgets all, and keeps the room: as many insertions as there were live ones need no memory.
   void clear() {
-    slots_.clear();
+    std::fill(slots_.begin(), slots_.end(), Slot{});
     used_ = live_ = 0;
   }
 

@@ -13,7 +13,7 @@ constexpr std::uint64_t kMix1 = 0xE7037ED1A0B428DBU;
 
 std::uint64_t load(const unsigned char* p, std::size_t n) {
   std::uint64_t word = 0;
-  std::memcpy(&word, p, n);
+  if (n != 0) std::memcpy(&word, p, n);  // an empty text may stand nowhere
   return word;
 }
 

@@ -25,18 +25,24 @@ TextSpan convert(std::string_view utf8, std::string& narrow, std::u16string& wid
 }  // namespace
 
 KeyText::KeyText(StringArg text) {
-  if (const String* s = text.object()) {
+  const String* s = text.object();
+  if (s == nullptr) {
+    span = convert(text.bytes(), narrow_, wide_);
+    hash = hashText(span);
+  } else if (StringStorage::isMutable(*s)) {
+    take(StringStorage::span(*s));
+  } else {
     span = StringStorage::span(*s);
-    if (span.wide && StringStorage::isMutable(*s) && StringStorage::fitsLatin1(span)) {
-      narrow_ = StringStorage::narrowed(span);
-      span = TextSpan::latin1(narrow_);
-      hash = hashText(span);
-    } else {
-      hash = StringStorage::hash(*s);
-    }
-    return;
+    hash = StringStorage::hash(*s);
   }
-  span = convert(text.bytes(), narrow_, wide_);
+}
+
+void KeyText::take(TextSpan text) {
+  span = text;
+  if (text.wide && StringStorage::fitsLatin1(text)) {
+    narrow_ = StringStorage::narrowed(text);
+    span = TextSpan::latin1(narrow_);
+  }
   hash = hashText(span);
 }
 

@@ -12,6 +12,8 @@ namespace qx::detail {
 // argument; only text beyond ASCII given as UTF-8 is converted.
 struct KeyText {
   explicit KeyText(StringArg text);
+  // Of a part of a text.
+  explicit KeyText(TextSpan text) { take(text); }
   KeyText(const KeyText&) = delete;
   KeyText& operator=(const KeyText&) = delete;
 
@@ -19,6 +21,8 @@ struct KeyText {
   std::uint32_t hash = 0;
 
  private:
+  void take(TextSpan text);
+
   std::string narrow_;
   std::u16string wide_;
 };

@@ -2,6 +2,7 @@
 
 #include <QXFoundation/number.h>
 
+#include "frame/comparison_operations.h"
 #include "frame/key_text.h"
 #include "frame/library_class.h"
 #include "frame/numeric.h"
@@ -75,7 +76,8 @@ bool Number::boolValue() const { return detail::toBool(numeric()); }
 std::string Number::stringValue() const { return detail::numberText(numeric()); }
 
 ComparisonResult Number::compare(const PropertyValue& other) const {
-  return PropertyValue(const_cast<Number*>(this)).compare(other);
+  return static_cast<ComparisonResult>(
+      detail::compareOperation(PropertyValue(const_cast<Number*>(this)), other));
 }
 
 bool Number::isEqual(const PropertyValue& other) const {
@@ -211,10 +213,7 @@ void describe(ClassBuilder<Number>& c) {
   c.operation("doubleValue", &onNumber<&Number::doubleValue>);
   c.operation("boolValue", &onNumber<&Number::boolValue>);
   c.operation("stringValue", &descriptionOf);
-  c.operation(
-      "compare:", +[](const PropertyValue& r, const PropertyValue& other) {
-        return static_cast<int>(r.compare(other));
-      });
+  c.operation("compare:", &detail::compareOperation);
 }
 
 void describe(ClassBuilder<DecimalNumber>& c) {

@@ -7,6 +7,7 @@
 
 #include "frame/hashing.h"
 #include "frame/number_text.h"
+#include "frame/three_way.h"
 #include "frame/word_access.h"
 
 namespace qx::detail {
@@ -15,23 +16,18 @@ namespace {
 constexpr double kTwo63 = 9223372036854775808.0;
 constexpr double kTwo64 = 18446744073709551616.0;
 
-template <class T>
-int order(T a, T b) {
-  return a < b ? -1 : a > b ? 1 : 0;
-}
-
 int orderReals(double a, double b) {
   if (std::isnan(a)) return std::isnan(b) ? 0 : -1;
   if (std::isnan(b)) return 1;
-  return order(a, b);
+  return threeWay(a, b);
 }
 
 int orderIntegers(const NumericValue& a, const NumericValue& b) {
   const bool aUnsigned = a.kind == NumberKind::unsignedInteger;
   const bool bUnsigned = b.kind == NumberKind::unsignedInteger;
-  if (aUnsigned == bUnsigned) return aUnsigned ? order(a.u, b.u) : order(a.i, b.i);
-  if (aUnsigned) return b.i < 0 ? 1 : order(a.u, static_cast<std::uint64_t>(b.i));
-  return a.i < 0 ? -1 : order(static_cast<std::uint64_t>(a.i), b.u);
+  if (aUnsigned == bUnsigned) return aUnsigned ? threeWay(a.u, b.u) : threeWay(a.i, b.i);
+  if (aUnsigned) return b.i < 0 ? 1 : threeWay(a.u, static_cast<std::uint64_t>(b.i));
+  return a.i < 0 ? -1 : threeWay(static_cast<std::uint64_t>(a.i), b.u);
 }
 
 int orderDecimal(const Decimal& a, const NumericValue& b) {

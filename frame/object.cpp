@@ -51,6 +51,8 @@ const Object* nextDeferred() noexcept {
 
 void Object::destroy() const noexcept {
   if ((refs_.load(std::memory_order_relaxed) & kWatched) != 0) detail::unwatch(this);
+  // References that the destructor makes come and go without ending the object a second time.
+  refs_.store(kDying, std::memory_order_relaxed);
   if ((bits_ & detail::kLeaf) != 0) {
     delete this;
     return;
@@ -96,9 +98,7 @@ Ref<Object> Object::mutableCopy() const {
 PropertyValue Object::valueForUndefinedKey(StringArg) const { return {}; }
 
 void Object::setValueForUndefinedKey(const PropertyValue&, StringArg key) {
-  detail::raiseInvalidArgument(std::string("-[") + cls().name() +
-                               " setValue:forKey:]: there is no property \"" + key.utf8() +
-                               "\" that can be set");
+  detail::raiseNotSettable(cls(), key);
 }
 
 }  // namespace qx

@@ -27,7 +27,8 @@ const Operation* findFor(const PropertyValue& target, Selector selector) {
 void checkCount(Selector selector, std::size_t wanted, std::size_t got) {
   if (wanted == got) return;
   raiseInvalidArgument("performSelector: " + std::string(selector.text()) + " takes " +
-                       std::to_string(wanted) + " arguments and was given " + std::to_string(got));
+                       std::to_string(wanted) + (wanted == 1 ? " argument" : " arguments") +
+                       " and was given " + std::to_string(got));
 }
 
 PropertyValue accessProperty(const PropertyValue& target, const Property& property,
@@ -41,6 +42,7 @@ PropertyValue accessProperty(const PropertyValue& target, const Property& proper
 
 }  // namespace
 
+// Undoes setterSelector(): "setAge:" sets "age", or "Age" where there is no "age".
 const Property* accessedProperty(const ClassRecord& record, Selector selector) {
   const std::string_view text = selector.text();
   if (selector.argumentCount() == 0)
@@ -48,9 +50,11 @@ const Property* accessedProperty(const ClassRecord& record, Selector selector) {
   if (text.size() < 5 || !text.starts_with("set") || text.find(':') != text.size() - 1)
     return nullptr;
   std::string name(text.substr(3, text.size() - 4));
-  if (name[0] < 'A' || name[0] > 'Z') return nullptr;
-  name[0] = static_cast<char>(name[0] + 32);
-  const Property* p = record.findProperty(KeyText(name));
+  if (name[0] >= 'a' && name[0] <= 'z') return nullptr;
+  const Property* exact = record.findProperty(KeyText(name));
+  name[0] = static_cast<char>(asciiLower(static_cast<unsigned char>(name[0])));
+  const Property* usual = record.findProperty(KeyText(name));
+  const Property* p = usual != nullptr ? usual : exact;
   return p == nullptr || p->set == nullptr ? nullptr : p;
 }
 

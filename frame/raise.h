@@ -14,6 +14,8 @@ namespace qx::detail {
 [[noreturn]] void raiseInvalidArgument(std::string reason);
 // "-[NSNull compare:]: the receiver has no such operation"
 [[noreturn]] void raiseUnsupported(const PropertyValue& receiver, Selector selector);
+// "-[NSArray setValue:forKey:]: there is no property "x" that can be set"
+[[noreturn]] void raiseNotSettable(const Class& cls, StringArg key);
 // "-[NSArray objectAtIndex:]: index 3 is beyond the count 2"
 [[noreturn]] void raiseIndex(const char* operation, std::size_t index, std::size_t count);
 [[noreturn]] void raiseRange(const char* operation, std::size_t location, std::size_t length,

@@ -36,8 +36,7 @@ void describe(ClassBuilder<Object>& c) {
   c.operation("isGreaterThanOrEqualTo:",
               &detail::comparisonOperation<Comparison::isGreaterThanOrEqualTo>);
   c.operation("self", +[](const PropertyValue& r) { return r; });
-  c.operation(
-      "class", +[](const PropertyValue& r) { return PropertyValue(const_cast<Class*>(r.cls())); });
+  c.operation("class", +[](const PropertyValue& r) { return PropertyValue(r.cls()); });
   c.operation("hash", +[](const PropertyValue& r) { return r.hash(); });
   c.operation(
       "description", +[](const PropertyValue& r) {
@@ -69,9 +68,8 @@ void describe(ClassBuilder<Class>& c) {
   c.name("Class").inherits<Object>();
   c.property("name", &Class::name);
   c.operation(
-      "superclass", +[](const PropertyValue& r) {
-        return PropertyValue(const_cast<Class*>(r.as<Class>()->superclass()));
-      });
+      "superclass",
+      +[](const PropertyValue& r) { return PropertyValue(r.as<Class>()->superclass()); });
 }
 
 const Class& classObject(detail::Type<Object>) { return detail::buildLibraryClass<Object>(); }

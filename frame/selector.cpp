@@ -5,12 +5,19 @@
 #include <QXFoundation/selector.h>
 #include <QXFoundation/string.h>
 
+#include "frame/hashing.h"
+
 namespace qx {
 
 Selector Selector::named(StringArg text) {
+  struct Hash {
+    std::size_t operator()(const std::string& s) const {
+      return detail::hashBytes(s.data(), s.size());
+    }
+  };
   struct Names {
     std::mutex mutex;
-    std::unordered_set<std::string> texts;  // nodes: the texts stay where they are
+    std::unordered_set<std::string, Hash> texts;  // nodes: the texts stay where they are
   };
   static auto* names = new Names;  // never destroyed: selectors point into it
   const std::string name = text.utf8();

@@ -30,6 +30,8 @@ struct SetStorage {
   void add(const PropertyValue& v) {
     const std::uint32_t hash = hashOf(v);
     if (find(v, hash) != HashIndex::kAbsent) return;
+    makeRoomForOne(members);
+    makeRoomForOne(hashes);
     index.insert(hash, members.size());
     members.push_back(v);
     hashes.push_back(hash);
@@ -44,6 +46,7 @@ struct SetStorage {
     --count;
     if (members.size() > 32 && count < members.size() / 2) close();
   }
+  // Needs no memory.
   void close() {
     index.clear();
     std::size_t to = 0;
@@ -61,24 +64,6 @@ struct SetStorage {
   }
 };
 
-namespace {
-
-// Sets within sets are compared member by member, which nests: the bound keeps the stack safe.
-constexpr unsigned kMaxNesting = 200;
-__attribute__((tls_model("initial-exec"))) thread_local unsigned setNesting = 0;
-
-struct Nesting {
-  Nesting() {
-    if (setNesting == kMaxNesting)
-      raiseInvalidArgument("-[NSSet isEqual:]: sets are nested more than 200 deep");
-    ++setNesting;
-  }
-  ~Nesting() { --setNesting; }
-  Nesting(const Nesting&) = delete;
-  Nesting& operator=(const Nesting&) = delete;
-};
-
-}  // namespace
 }  // namespace detail
 
 using detail::SetStorage;
@@ -111,9 +96,9 @@ Ref<Array> Set::allObjects() const {
 }
 
 bool Set::isSubsetOfSet(In<Set> other) const {
-  const detail::Nesting nesting;
+  const Set& all = *other;
   for (const PropertyValue& v : storage_->members) {
-    if (!v.isNil() && !other->containsObject(v)) return false;
+    if (!v.isNil() && !all.containsObject(v)) return false;
   }
   return true;
 }
@@ -122,7 +107,8 @@ bool Set::isEqual(const PropertyValue& other) const {
   if (other.object() == this) return true;
   if (!other.isSet()) return false;
   auto* set = static_cast<Set*>(other.object());
-  return set->count() == count() && isSubsetOfSet(set);
+  if (set->count() != count()) return false;
+  return detail::EqualityScope().setsAreEqual(*this, *set, [&] { return isSubsetOfSet(set); });
 }
 
 std::size_t Set::hash() const {

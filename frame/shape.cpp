@@ -21,27 +21,26 @@ struct ShapeTable {
     return *table;
   }
 
-  static Shape* make(const Ref<String>* keys, std::size_t count, std::uint64_t hash) {
-    auto* s = new Shape(true, count);
+  // Not in the table yet: under the lock it must not be released, only deleted.
+  static std::unique_ptr<Shape> make(const Ref<String>* keys, std::size_t count,
+                                     std::uint64_t hash) {
+    std::unique_ptr<Shape> s(new Shape(true, count));
     s->listHash_ = hash;
     s->keys_.assign(keys, keys + count);
     for (std::size_t i = 0; i < count; ++i) s->hashes_.push_back(StringStorage::hash(*keys[i]));
     return s;
   }
 
-  Shape* findAndRetain(const Ref<String>* keys, std::size_t count, std::uint64_t hash) {
+  ShapeCount find(const Ref<String>* keys, std::size_t count, std::uint64_t hash) {
     const auto [first, last] = shapes.equal_range(hash);
     for (auto at = first; at != last; ++at) {
-      if (at->second->hasKeys(keys, count)) {
-        at->second->retain();
-        return at->second;
-      }
+      if (at->second->hasKeys(keys, count)) return at->second->another();
     }
     return nullptr;
   }
 
   // Drops a last count under the lock, unless the table has given the shape out again.
-  void dropLast(Shape* s) {
+  void dropLast(Shape* s) noexcept {
     {
       const std::scoped_lock lock(mutex);
       if (s->refs_.fetch_sub(1, std::memory_order_acq_rel) != 1) return;
@@ -55,7 +54,7 @@ struct ShapeTable {
     }
     delete s;
   }
-  static void destroy(Shape* s) { delete s; }
+  static void destroy(Shape* s) noexcept { delete s; }
 };
 
 namespace {
@@ -72,23 +71,22 @@ bool equalKeys(const String& a, const String& b) {
 
 }  // namespace
 
-Shape* Shape::shared(const Ref<String>* keys, std::size_t count) {
+ShapeCount Shape::shared(const Ref<String>* keys, std::size_t count) {
   const std::uint64_t hash = listHash(keys, count);
   ShapeTable& table = ShapeTable::instance();
   const std::scoped_lock lock(table.mutex);
-  if (Shape* s = table.findAndRetain(keys, count, hash)) return s;
-  Shape* s = ShapeTable::make(keys, count, hash);
-  table.shapes.emplace(hash, s);
-  return s;
+  if (ShapeCount known = table.find(keys, count, hash)) return known;
+  std::unique_ptr<Shape> made = ShapeTable::make(keys, count, hash);
+  table.shapes.emplace(hash, made.get());
+  return ShapeCount(made.release());
 }
 
-Shape* Shape::empty() {
-  static Shape* none = shared(nullptr, 0);  // this count is never given up
-  none->retain();
-  return none;
+ShapeCount Shape::empty() {
+  static Shape* const none = shared(nullptr, 0).release();  // this count is never given up
+  return none->another();
 }
 
-Shape* Shape::own(std::size_t capacity) { return new Shape(false, capacity); }
+ShapeCount Shape::own(std::size_t capacity) { return ShapeCount(new Shape(false, capacity)); }
 
 // A shared shape's last count goes under the table's lock; every other one without.
 void Shape::release() noexcept {
@@ -124,34 +122,17 @@ bool Shape::hasKeys(const Ref<String>* keys, std::size_t count) const {
 
 void Shape::append(Ref<String> key) {
   const std::uint32_t hash = StringStorage::hash(*key);
+  makeRoomForOne(keys_);
+  makeRoomForOne(hashes_);
+  index_.insert(hash, keys_.size());
   keys_.push_back(std::move(key));
   hashes_.push_back(hash);
-  index_.insert(hash, keys_.size() - 1);
 }
 
-void Shape::makeHole(std::size_t slot) {
+void Shape::makeHole(std::size_t slot) noexcept {
   index_.erase(hashes_[slot], slot);
   keys_[slot] = nullptr;
   ++holes_;
-}
-
-std::vector<std::size_t> Shape::closeHoles() {
-  std::vector<std::size_t> from;
-  index_.clear();
-  for (std::size_t slot = 0; slot < keys_.size(); ++slot) {
-    if (keys_[slot] == nullptr) continue;
-    const std::size_t to = from.size();
-    from.push_back(slot);
-    if (to != slot) {
-      keys_[to] = std::move(keys_[slot]);
-      hashes_[to] = hashes_[slot];
-    }
-    index_.insert(hashes_[to], to);
-  }
-  keys_.resize(from.size());
-  hashes_.resize(from.size());
-  holes_ = 0;
-  return from;
 }
 
 }  // namespace qx::detail

@@ -10,6 +10,7 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 #include <QXFoundation/string.h>
@@ -19,6 +20,14 @@
 
 namespace qx::detail {
 
+class Shape;
+
+// Owns one count of a shape.
+struct ShapeRelease {
+  void operator()(Shape* shape) const noexcept;
+};
+using ShapeCount = std::unique_ptr<Shape, ShapeRelease>;
+
 class Shape {
  public:
   static constexpr std::size_t kMaxShared = 16;
@@ -27,15 +36,18 @@ class Shape {
   Shape(const Shape&) = delete;
   Shape& operator=(const Shape&) = delete;
 
-  // The shared shape of these distinct, immutable keys, at most kMaxShared; the caller owns one
-  // count. Thread-safe.
-  static Shape* shared(const Ref<String>* keys, std::size_t count);
-  static Shape* empty();
-  // A shape of its own, for one dictionary, empty; the caller owns the one count.
-  static Shape* own(std::size_t capacity);
+  // The shared shape of these distinct, immutable keys, at most kMaxShared. Thread-safe.
+  static ShapeCount shared(const Ref<String>* keys, std::size_t count);
+  static ShapeCount empty();
+  // A shape of its own, for one dictionary, empty.
+  static ShapeCount own(std::size_t capacity);
 
   void retain() noexcept { refs_.fetch_add(1, std::memory_order_relaxed); }
   void release() noexcept;
+  ShapeCount another() noexcept {
+    retain();
+    return ShapeCount(this);
+  }
 
   bool isShared() const { return shared_; }
   // Slots, holes included; the keys of holes are nil.
@@ -48,17 +60,36 @@ class Shape {
   std::size_t slotOf(const KeyText& key) const;
   bool hasKeys(const Ref<String>* keys, std::size_t count) const;
 
-  // Of an own shape alone. A key that is not there yet gets the next slot.
+  // Of an own shape alone. A key that is not there yet gets the next slot; where memory runs out,
+  // nothing has changed.
   void append(Ref<String> key);
-  void makeHole(std::size_t slot);
+  void makeHole(std::size_t slot) noexcept;
   bool worthClosing() const { return holes_ > 16 && holes_ > keys_.size() / 2; }
-  // Gives for each new slot the old one.
-  std::vector<std::size_t> closeHoles();
+  // Calls move(to, from) for each slot that moves, in order. Needs no memory.
+  template <class Move>
+  void closeHoles(Move move) {
+    index_.clear();
+    std::size_t to = 0;
+    for (std::size_t slot = 0; slot < keys_.size(); ++slot) {
+      if (keys_[slot] == nullptr) continue;
+      if (to != slot) {
+        keys_[to] = std::move(keys_[slot]);
+        hashes_[to] = hashes_[slot];
+        move(to, slot);
+      }
+      index_.insert(hashes_[to], to);
+      ++to;
+    }
+    keys_.resize(to);
+    hashes_.resize(to);
+    holes_ = 0;
+  }
 
  private:
   Shape(bool shared, std::size_t capacity) : shared_(shared) { keys_.reserve(capacity); }
   ~Shape() = default;
   friend struct ShapeTable;
+  friend struct std::default_delete<Shape>;
 
   std::atomic<std::uint32_t> refs_{1};
   const bool shared_;
@@ -68,5 +99,7 @@ class Shape {
   std::vector<std::uint32_t> hashes_;
   HashIndex index_;  // of an own shape
 };
+
+inline void ShapeRelease::operator()(Shape* shape) const noexcept { shape->release(); }
 
 }  // namespace qx::detail

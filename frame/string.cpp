@@ -32,7 +32,8 @@ TextSpan checkedRange(const String& s, Range range, const char* operation) {
 
 std::string StringArg::utf8() const {
   if (const String* s = object()) return s->utf8();
-  return std::string(bytes());
+  if (detail::isValidUtf8(bytes())) return std::string(bytes());
+  return detail::toUtf8(detail::utf16FromUtf8(bytes()));
 }
 
 Ref<String> StringArg::string() const { return detail::immutableString(*this); }

@@ -18,6 +18,9 @@ struct StringStorage {
   static bool isMutable(const String& s) { return ObjectAccess::has(s, kMutableVariant); }
   static bool isWide(const String& s) { return ObjectAccess::has(s, kWide); }
 
+  // Of an immutable string.
+  static const void* inlineUnits(const String& s) { return &s + 1; }
+
   static TextSpan span(const String& s) {
     TextSpan t;
     t.data = isMutable(s) ? static_cast<const MutableString&>(s).units_

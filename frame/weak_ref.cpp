@@ -1,3 +1,4 @@
+#include <memory>
 #include <mutex>
 #include <unordered_map>
 
@@ -9,8 +10,9 @@ namespace qx::detail {
 
 // One for each watched object, shared by its weak references.
 struct WeakCell {
-  std::mutex* mutex;     // of the stripe that the object's address falls into
-  const Object* object;  // null once it is gone; under the mutex
+  WeakCell(std::mutex* m, const Object* o) : mutex(m), object(o) {}
+  std::mutex* const mutex;  // of the stripe that the object's address falls into
+  const Object* object;     // null once it is gone; under the mutex
   std::atomic<std::size_t> handles{1};
 };
 
@@ -55,18 +57,23 @@ void unwatch(const Object* object) noexcept {
   stripe.cells.erase(found);
 }
 
-// The table holds one handle of its own on every cell.
+// The table holds one handle of its own on every cell. An object that is being destroyed is gone
+// already.
 WeakHandle::WeakHandle(const Object* object) {
   if (object == nullptr) return;
+  auto& refs = ObjectAccess::refs(*object);
+  if ((refs.load(std::memory_order_relaxed) & ObjectAccess::kDying) != 0) return;
   Stripe& stripe = stripeOf(object);
   const std::scoped_lock lock(stripe.mutex);
-  WeakCell*& cell = stripe.cells[object];
-  if (cell == nullptr) {
-    cell = new WeakCell{&stripe.mutex, object};
-    ObjectAccess::refs(*object).fetch_or(ObjectAccess::kWatched, std::memory_order_relaxed);
+  auto found = stripe.cells.find(object);
+  if (found == stripe.cells.end()) {
+    auto cell = std::make_unique<WeakCell>(&stripe.mutex, object);
+    found = stripe.cells.emplace(object, cell.get()).first;
+    cell.release();
+    refs.fetch_or(ObjectAccess::kWatched, std::memory_order_relaxed);
   }
-  cell->handles.fetch_add(1, std::memory_order_relaxed);
-  cell_ = cell;
+  cell_ = found->second;
+  cell_->handles.fetch_add(1, std::memory_order_relaxed);
 }
 
 WeakHandle::WeakHandle(const WeakHandle& other) noexcept : cell_(other.cell_) {

@@ -16,6 +16,7 @@ constexpr char32_t kAnyOne = 0x110001;
 
 // memmem stays linear for repetitive text, unlike the standard search.
 bool contains(std::string_view text, std::string_view part) noexcept {
+  if (part.size() == 1) return memchr(text.data(), part.front(), text.size()) != nullptr;
   return text.size() >= part.size() &&
          memmem(text.data(), text.size(), part.data(), part.size()) != nullptr;
 }
@@ -163,10 +164,17 @@ void WildcardPattern::chooseShape() {
   if (!narrowLiterals_) return;
   for (const char16_t unit : head_) narrowHead_.push_back(static_cast<char>(unit));
   for (const char16_t unit : tail_) narrowTail_.push_back(static_cast<char>(unit));
+  const auto isAsciiUnit = [](char16_t unit) { return isAscii(unit); };
+  decidesBytes_ = !ignoreCase_ && std::all_of(head_.begin(), head_.end(), isAsciiUnit) &&
+                  std::all_of(tail_.begin(), tail_.end(), isAsciiUnit);
 }
 
 bool WildcardPattern::matches(TextSpan text) const {
   return ignoreCase_ ? matchesFolding(text) : matchesExactly(text);
+}
+
+bool WildcardPattern::matchesBytes(std::string_view bytes) const noexcept {
+  return matchesShape<std::string_view>(bytes, narrowHead_, narrowTail_);
 }
 
 bool WildcardPattern::matchesFolding(TextSpan text) const {

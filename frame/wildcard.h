@@ -9,6 +9,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 #include "frame/text_span.h"
 
@@ -25,6 +26,12 @@ class WildcardPattern {
   // Throws nothing but std::bad_alloc, and that only when ignoring case, for the folded text.
   bool matches(TextSpan text) const;
 
+  // Whether the pattern is of a plain shape whose literals are ASCII: then Latin-1 and UTF-8 texts,
+  // ill-formed ones included, match as their bytes do.
+  bool decidesBytes() const noexcept { return decidesBytes_; }
+  // Precondition: decidesBytes().
+  bool matchesBytes(std::string_view bytes) const noexcept;
+
  private:
   // Shapes that plain comparison and search decide; everything else is `general`.
   enum class Shape : std::uint8_t { literal, prefix, suffix, middle, prefixSuffix, all, general };
@@ -38,6 +45,7 @@ class WildcardPattern {
 
   Shape shape_ = Shape::general;
   bool ignoreCase_ = false;
+  bool decidesBytes_ = false;
   bool narrowLiterals_ = true;  // head_ and tail_ fit Latin-1 and are also in the narrow forms
   // Code points, or one of the two markers for `*` and `?`. Adjacent stars are one.
   std::u32string tokens_;

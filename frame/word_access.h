@@ -16,6 +16,10 @@ struct WordAccess {
   static std::uint64_t word(const V& v) { return v.word_; }
   static bool isInlineSigned(const V& v) { return (v.word_ & V::kTagMask) == V::kSignedTag; }
   static std::int64_t inlineSigned(const V& v) { return static_cast<std::int64_t>(v.word_) >> 3; }
+  static bool isInlineDouble(const V& v) {
+    const std::uint64_t tag = v.word_ & V::kTagMask;
+    return tag == V::kSmallDoubleTag || tag == V::kLargeDoubleTag;
+  }
   static double inlineDouble(std::uint64_t word) {
     return std::bit_cast<double>(std::rotr(word, 4));
   }

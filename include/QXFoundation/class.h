@@ -67,35 +67,37 @@ class Subject {
   const void* address_;
 };
 
-// A property as read without making a value: what fields of the usual types hold, borrowed.
-struct NativeField {
-  enum class Kind : std::uint8_t {
-    none,
-    boolean,
-    signedInteger,
-    unsignedInteger,
-    single,
-    real,
-    text,
-    value
-  };
-  Kind kind = Kind::none;
-  union {
-    std::int64_t i;
-    std::uint64_t u;
-    double d;
-    const PropertyValue* value;
-    std::string_view text;
-  };
-  NativeField() : i(0) {}
+// The types of fields that are read in place, without making a value.
+enum class FieldType : std::uint8_t {
+  none,  // only the getter knows
+  boolean,
+  int8,
+  int16,
+  int32,
+  int64,
+  uint8,
+  uint16,
+  uint32,
+  uint64,
+  single,
+  real,
+  text,   // std::string
+  value,  // PropertyValue
 };
+
+struct Operation;
 
 struct Property {
   std::string_view name;
   PropertyValue (*get)(const Subject&, const Payload&);
-  void (*set)(const Subject&, const Payload&, const PropertyValue&);  // null: read-only
-  NativeField (*native)(const Subject&, const Payload&);              // null: only `get`
+  void (*set)(const Subject&, const Payload&, const PropertyValue&);  // null: by `setter` at most
+  // Where the field stands, borrowed; null where the type is `none`.
+  const void* (*field)(const Subject&, const Payload&);
+  FieldType type;
   Payload payload;
+  // The class's operation "setName:", which stores what has no `set`; null: read-only. Found when
+  // the class is built.
+  const Operation* setter = nullptr;
 };
 
 struct Operation {

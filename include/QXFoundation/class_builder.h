@@ -15,6 +15,7 @@
 // A plain struct is described in the same way; its instances work with qualifiers (`qx::Matching`).
 #pragma once
 
+#include <bit>
 #include <concepts>
 #include <cstring>
 #include <optional>
@@ -99,6 +100,13 @@ struct IsOptional<std::optional<M>> : std::bool_constant<ValueLike<M>> {};
 template <class M>
 concept Readable = ValueLike<M> || IsOptional<M>::value;
 
+// What an operation may take and give.
+template <class A>
+concept Argument =
+    Settable<std::remove_cvref_t<A>> && std::is_convertible_v<std::remove_cvref_t<A>, A>;
+template <class R>
+concept Result = std::is_void_v<R> || Readable<std::remove_cvref_t<R>>;
+
 template <class M>
 PropertyValue toValue(const M& m) {
   if constexpr (IsOptional<M>::value) {
@@ -135,31 +143,29 @@ PropertyValue callGetter(const Subject& s, const Payload& p) {
   return toValue<std::remove_cvref_t<R>>((s.as<C>().*unpack<F>(p))());
 }
 
-// Fields of these types are read without making a value.
 template <class C, class M>
-NativeField nativeField(const Subject& s, const Payload& p) {
-  using V = std::remove_const_t<M>;
-  using K = NativeField::Kind;
-  const V& field = s.as<C>().*unpack<M C::*>(p);
-  NativeField n;
-  if constexpr (std::same_as<V, bool>) {
-    n.kind = K::boolean, n.i = field ? 1 : 0;
-  } else if constexpr (Integer<V> && std::is_signed_v<V>) {
-    n.kind = K::signedInteger, n.i = field;
-  } else if constexpr (Integer<V>) {
-    n.kind = K::unsignedInteger, n.u = field;
-  } else if constexpr (Floating<V>) {
-    n.kind = std::same_as<V, float> ? K::single : K::real, n.d = static_cast<double>(field);
-  } else if constexpr (std::same_as<V, PropertyValue>) {
-    n.kind = K::value, n.value = &field;
-  } else {
-    n.kind = K::text, n.text = field;
-  }
-  return n;
+const void* fieldAddress(const Subject& s, const Payload& p) {
+  return &(s.as<C>().*unpack<M C::*>(p));
 }
 template <class V>
-concept Native = std::same_as<V, bool> || Integer<V> || Floating<V> ||
-                 std::same_as<V, PropertyValue> || std::same_as<V, std::string>;
+constexpr FieldType fieldType() {
+  if constexpr (std::same_as<V, bool>) {
+    return FieldType::boolean;
+  } else if constexpr (Integer<V>) {
+    constexpr FieldType kSigned[] = {FieldType::int8, FieldType::int16, FieldType::int32,
+                                     FieldType::int64};
+    constexpr FieldType kUnsigned[] = {FieldType::uint8, FieldType::uint16, FieldType::uint32,
+                                       FieldType::uint64};
+    constexpr int kWidth = std::countr_zero(sizeof(V));
+    return std::is_signed_v<V> ? kSigned[kWidth] : kUnsigned[kWidth];
+  } else if constexpr (Floating<V>) {
+    return std::same_as<V, float> ? FieldType::single : FieldType::real;
+  } else if constexpr (std::same_as<V, PropertyValue>) {
+    return FieldType::value;
+  } else {
+    return std::same_as<V, std::string> ? FieldType::text : FieldType::none;
+  }
+}
 
 template <class F, class C, class R, class... A, std::size_t... I>
 PropertyValue callMember(const PropertyValue& receiver, const Payload& p,
@@ -193,6 +199,9 @@ concept Coded = requires(const T& t, T& u, Archiver& a, Unarchiver& d) {
   u.decodeWithCoder(d);
 };
 
+// "age" -> "setAge:"
+QX_EXPORT Selector setterSelector(std::string_view property);
+
 // Gathers what a class declares; ClassBuilder<T> is the typed face of it.
 class QX_EXPORT ClassBuilderBase {
  public:
@@ -202,6 +211,9 @@ class QX_EXPORT ClassBuilderBase {
   // Adds an operation whose receiver is any value of the class: f(receiver, arguments...).
   template <class R, class... A>
   void addFunction(SelectorFor<sizeof...(A)> s, R (*f)(const PropertyValue&, A...)) {
+    static_assert((Argument<A> && ...),
+                  "operation(selector, f): a parameter of f cannot be made from a PropertyValue");
+    static_assert(Result<R>, "operation(selector, f): what f gives cannot become a PropertyValue");
     using F = R (*)(const PropertyValue&, A...);
     addOperation({s,
                   [](const PropertyValue& r, const Payload& p, const PropertyValue* a) {
@@ -236,12 +248,16 @@ class ClassBuilder : public detail::ClassBuilderBase {
  public:
   explicit ClassBuilder(detail::ClassRecord& record) : ClassBuilderBase(record) {}
 
+  // The run-time name, by which the class is found. Of two classes of one name the first has it,
+  // and the library's names stay the library's. A class that declares none shows its C++ name, and
+  // is not found by it.
   ClassBuilder& name(const char* text) {
     setName(text);
     return *this;
   }
 
-  // The described base class S, whose properties, operations and protocols T has too.
+  // The described base class S, whose properties, operations and protocols T has too. Without it
+  // the superclass is NSObject.
   template <class S>
   ClassBuilder& inherits() {
     static_assert(std::is_base_of_v<S, T> && !std::same_as<S, T>,
@@ -270,9 +286,12 @@ class ClassBuilder : public detail::ClassBuilderBase {
       if constexpr (Settable<V>) setter = &detail::setField<OwnerOf<C>, M>;
     }
     if constexpr (detail::Readable<V>) {
-      NativeReader native = nullptr;
-      if constexpr (detail::Native<V>) native = &detail::nativeField<OwnerOf<C>, M>;
-      addProperty({text, &detail::getField<OwnerOf<C>, M>, setter, native,
+      constexpr detail::FieldType kType = detail::fieldType<V>();
+      const void* (*address)(const detail::Subject&, const detail::Payload&) = nullptr;
+      if constexpr (kType != detail::FieldType::none) {
+        address = &detail::fieldAddress<OwnerOf<C>, M>;
+      }
+      addProperty({text, &detail::getField<OwnerOf<C>, M>, setter, address, kType,
                    detail::pack(static_cast<M OwnerOf<C>::*>(field))});
     }
     return *this;
@@ -285,17 +304,17 @@ class ClassBuilder : public detail::ClassBuilderBase {
     static_assert(std::is_base_of_v<C, T>, "property(name, getter): the getter is not T's");
     using O = OwnerOf<C>;
     using F = R (O::*)() const;
-    addProperty({text, &detail::callGetter<O, R, F>, nullptr, nullptr,
+    addProperty({text, &detail::callGetter<O, R, F>, nullptr, nullptr, detail::FieldType::none,
                  detail::pack(static_cast<F>(getter))});
     return *this;
   }
 
-  // A getter and a setter.
+  // A getter and a setter, which is also the operation "setName:" of a property "name".
   template <class R, class C, class D, class A>
     requires detail::Readable<std::remove_cvref_t<R>> && Settable<std::remove_cvref_t<A>>
   ClassBuilder& property(const char* text, R (C::*getter)() const, void (D::*setter)(A)) {
     property(text, getter);
-    return operation(Selector::named(setterName(text)), setter);
+    return operation(detail::setterSelector(text), setter);
   }
 
   // A member function as an operation; its colons are counted against its parameters.
@@ -347,25 +366,30 @@ class ClassBuilder : public detail::ClassBuilderBase {
     return *this;
   }
 
+  // The same by a class of its own, for a T that changes in no other way: `Coder::encode(const T&,
+  // Archiver&)` and `Coder::decode(T&, Unarchiver&)`, both static.
+  template <class Coder>
+  ClassBuilder& archivedBy() {
+    setCoding([](const Object& o, Archiver& a) { Coder::encode(static_cast<const T&>(o), a); },
+              [](Object& o, Unarchiver& u) { Coder::decode(static_cast<T&>(o), u); },
+              []() -> Ref<Object> { return make<T>(); });
+    return *this;
+  }
+
  private:
-  using NativeReader = detail::NativeField (*)(const detail::Subject&, const detail::Payload&);
   // Fields that a plain struct takes over from a base are reached through the struct itself.
   template <class C>
   using OwnerOf = std::conditional_t<std::is_base_of_v<Object, C>, C, T>;
-
-  static std::string setterName(std::string text) {
-    if (!text.empty() && text[0] >= 'a' && text[0] <= 'z')
-      text[0] = static_cast<char>(text[0] - 32);
-    return "set" + text + ":";
-  }
 
   template <class F, class C, class R, class... A>
   ClassBuilder& member(Selector s, F f) {
     static_assert(std::is_base_of_v<Object, T>,
                   "operation(selector, f): a plain struct performs no operations");
     static_assert(std::is_base_of_v<C, T>, "operation(selector, f): f is not T's");
-    static_assert((Settable<std::remove_cvref_t<A>> && ...),
+    static_assert((detail::Argument<A> && ...),
                   "operation(selector, f): a parameter of f cannot be made from a PropertyValue");
+    static_assert(detail::Result<R>,
+                  "operation(selector, f): what f gives cannot become a PropertyValue");
     using O = std::conditional_t<std::is_base_of_v<Object, C>, C, T>;
     addOperation({s,
                   [](const PropertyValue& r, const detail::Payload& p, const PropertyValue* a) {
@@ -383,15 +407,17 @@ concept Described = requires(ClassBuilder<T>& c) { describe(c); };
 
 namespace detail {
 
-// A class is known by its C++ type; the first caller builds it, once. Thread-safe.
-QX_EXPORT const Class& findOrBuildClass(const char* typeName, void (*build)(ClassRecord&));
+// A class is known by its C++ type; the first caller builds it, once. Thread-safe. A description
+// must not ask for the class it describes; one that raises is run again by the next caller.
+QX_EXPORT const Class& findOrBuildClass(const std::type_info& type, void (*build)(ClassRecord&));
 
 template <class T>
 const Class& describedClass() {
   static_assert(Described<T>,
                 "declare  void describe(qx::ClassBuilder<T>&)  beside T, in T's namespace");
-  static const Class& c = findOrBuildClass(typeid(T).name(), [](ClassRecord& record) {
+  static const Class& c = findOrBuildClass(typeid(T), [](ClassRecord& record) {
     ClassBuilder<T> builder(record);
+    if constexpr (std::is_base_of_v<Object, T>) builder.template inherits<Object>();
     if constexpr (Described<T>) describe(builder);
   });
   return c;

@@ -1,7 +1,7 @@
 // Date: an absolute time.
 //
-//     auto d = qx::Date::dateWithTimeIntervalSince1970(0);  d->description();   // "1970-01-01
-//     00:00:00 +0000"
+//     auto d = qx::Date::dateWithTimeIntervalSince1970(0);
+//     d->description();   // "1970-01-01 00:00:00 +0000"
 #pragma once
 
 #include <string>
@@ -30,6 +30,8 @@ class QX_EXPORT Date : public Object {
 
   bool isEqual(const PropertyValue& other) const override;
   std::size_t hash() const override;
+  // "2001-02-03 04:05:06 +0000", UTC, years before 1 as 0, -1 ...; a moment more than 9e11 seconds
+  // from 1970 (some 28,500 years), an infinity and NaN as the number of seconds.
   std::string description() const override;
   Ref<Object> copy() const override;
 

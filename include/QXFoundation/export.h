@@ -3,9 +3,11 @@
 //   class QX_EXPORT Fraction { ... };
 //   QX_EXPORT bool qxIsEmpty(...);
 //
-// QX_STATIC    defined for users of the static library (both packages do it): nothing is marked, so that a
+// QX_STATIC    defined for users of the static library (both packages do it): nothing is marked, so
+// that a
 //              program or library made from it exports nothing on its behalf.
-// QX_BUILDING  defined while the library's own sources are compiled, and never for users. Exporting and
+// QX_BUILDING  defined while the library's own sources are compiled, and never for users. Exporting
+// and
 //              importing carry the same mark on ELF systems.
 
 #pragma once

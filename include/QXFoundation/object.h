@@ -87,7 +87,8 @@ void registerClass();
 
 // Base class. Copying is by `copy()`; comparison by `isEqual`; lifetime by `Ref`. Immutable objects
 // may be shared between threads; mutable ones belong to one thread at a time. The count itself is
-// atomic.
+// atomic. A destructor may still hand its object out as a value, to those who let go of it before
+// the destructor ends.
 class QX_EXPORT Object {
  public:
   Object(const Object&) = delete;
@@ -99,7 +100,9 @@ class QX_EXPORT Object {
   // The run-time class.
   const Class& cls() const noexcept;
 
-  // Value equality; the default is identity. A class that overrides it overrides `hash` too.
+  // Value equality; the default is identity. A class that overrides it overrides `hash` too, and
+  // neither changes any container: containers call them while they search. Containers ask their own
+  // element, with the value that is sought as `other`.
   virtual bool isEqual(const PropertyValue& other) const;
   // Equal objects have equal hashes.
   virtual std::size_t hash() const;
@@ -122,8 +125,14 @@ class QX_EXPORT Object {
   // Objects with values behind them are larger than their type: memory is given back without a
   // size.
   static void* operator new(std::size_t size) { return ::operator new(size); }
+  static void* operator new(std::size_t size, std::align_val_t alignment) {
+    return ::operator new(size, alignment);
+  }
   static void* operator new(std::size_t, void* place) noexcept { return place; }
   static void operator delete(void* memory) { ::operator delete(memory); }
+  static void operator delete(void* memory, std::align_val_t alignment) {
+    ::operator delete(memory, alignment);
+  }
   static void operator delete(void*, void*) noexcept {}
 
  protected:
@@ -135,7 +144,8 @@ class QX_EXPORT Object {
  private:
   friend struct detail::ObjectAccess;
   static constexpr std::uint32_t kWatched = 1;  // a weak reference may point here
-  static constexpr std::uint32_t kOne = 2;
+  static constexpr std::uint32_t kOne = 2;      // so that 2^30 references can be counted
+  static constexpr std::uint32_t kDying = std::uint32_t{1} << 31;
 
   void destroy() const noexcept;
 
@@ -243,6 +253,7 @@ struct ObjectAccess {
   static std::atomic<std::uint32_t>& refs(const Object& o) { return o.refs_; }
   static constexpr std::uint32_t kWatched = Object::kWatched;
   static constexpr std::uint32_t kOne = Object::kOne;
+  static constexpr std::uint32_t kDying = Object::kDying;
 };
 
 // The header's number of a class.

@@ -6,7 +6,7 @@
 //
 // One machine word. Nil, null, bools, floats, integers of up to 61 bits and most doubles are inline
 // (zero, the infinities, NaN and every magnitude from 2^-255 up to but not including 2^257);
-// everything else is a counted Object.
+// everything else is a counted Object. All NaN are one: payload and sign are not kept.
 #pragma once
 
 #include <bit>
@@ -65,7 +65,8 @@ class PropertyValue {
   template <detail::Floating F>
   constexpr PropertyValue(F f) {
     if constexpr (sizeof(F) == sizeof(float)) {
-      word_ = Word{std::bit_cast<std::uint32_t>(f)} << 32 | kFloatTag;
+      const std::uint32_t bits = f != f ? kFloatNaN : std::bit_cast<std::uint32_t>(f);
+      word_ = Word{bits} << 32 | kFloatTag;
     } else {
       setDouble(f);
     }
@@ -90,6 +91,11 @@ class PropertyValue {
   PropertyValue(T* object) {
     setObject(object);
   }
+  // Classes are immutable objects: a const one is a value as it stands.
+  template <std::same_as<Class> C>
+  PropertyValue(const C& cls) : PropertyValue(const_cast<C*>(&cls)) {}
+  template <std::same_as<Class> C>
+  PropertyValue(const C* cls) : PropertyValue(const_cast<C*>(cls)) {}
   template <class T>
     requires(!Utf8Text<T*>) && (!std::is_base_of_v<Object, T>)
   PropertyValue(T*) = delete;           // not an Object: no pointer becomes a bool or a number
@@ -127,9 +133,10 @@ class PropertyValue {
   bool isDate() const { return isKind(detail::ObjectKind::date); }
   bool isSet() const { return isKind(detail::ObjectKind::set); }
 
-  // Lenient views: numbers convert (integers wrap to the narrower width, floating ones are cut
-  // toward zero and stop at the width's limits, NaN gives 0), strings are read as number text
-  // (stopping at the limits), nil and every other kind gives 0, false or "".
+  // Lenient views: numbers convert (integers wrap to the narrower width, floating and decimal ones
+  // are cut toward zero and stop at the width's limits, NaN gives 0; true is what is not zero, NaN
+  // included), strings are read as number text (see String), nil and every other kind gives 0 or
+  // false.
   QX_EXPORT int intValue() const;
   QX_EXPORT std::int64_t integerValue() const;
   QX_EXPORT std::uint64_t unsignedIntegerValue() const;
@@ -137,8 +144,9 @@ class PropertyValue {
   QX_EXPORT double doubleValue() const;
   QX_EXPORT bool boolValue() const;
 
-  // Strict views. Integers: an integer number in T's range. float, double: any number but a bool.
-  // bool: a bool number. std::string: a string, as UTF-8. Empty for everything else.
+  // Strict views. Integers: a number of an integer kind, in T's range. float, double: any number
+  // but a bool, the nearest one (a float may be an infinity). bool: a bool number. std::string: a
+  // string, as UTF-8. Empty for everything else.
   template <class T>
   [[nodiscard]] std::optional<T> to() const;
   template <class T>
@@ -202,7 +210,7 @@ class PropertyValue {
   friend constexpr bool operator==(const PropertyValue& a, N) {
     return a.isNil();
   }
-  // Identity: the same object, or inline values of the same kind and value.
+  // Identity: the same object, or inline values of the same kind and value (0.0 and -0.0 are two).
   friend bool isSame(const PropertyValue& a, const PropertyValue& b) { return a.word_ == b.word_; }
 
   // The object behind the value, borrowed; null for nil and for inline values.
@@ -241,6 +249,8 @@ class PropertyValue {
     if (bits == 0xFFF0000000000000U) return kMinusInfinity;
     return d != d ? kNaN : 0;
   }
+  static constexpr std::uint32_t kFloatNaN = 0x7FC00000;
+
   static Object* pointerOf(Word w) { return reinterpret_cast<Object*>(w); }
 
   constexpr void setSigned(std::int64_t i) {

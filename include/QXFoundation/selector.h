@@ -18,15 +18,16 @@ void the_selector_needs_one_colon_for_each_argument();  // never defined: named 
                                                         // message
 }
 
-// Two words, copied freely. The default one is the null selector, which nothing responds to. The
-// text behind a selector lives as long as the process.
+// Two words, copied freely. The default one, like that of the empty text, is the null selector,
+// which nothing responds to. The text behind a selector lives as long as the process.
 class Selector {
  public:
   constexpr Selector() = default;
   constexpr Selector(std::nullptr_t) {}
   template <std::size_t M>
-  consteval Selector(const char (&text)[M])
-      : text_(text), size_(M - 1), hash_(hashOf({text, M - 1})) {}
+  consteval Selector(const char (&text)[M]) {
+    if (M > 1) *this = Selector(Interned{}, text, M - 1);
+  }
 
   // The selector of that name; null for nil and for the empty text. Each new name is kept for the
   // life of the process. Thread-safe.

@@ -17,9 +17,12 @@ namespace detail {
 struct SetStorage;
 }
 
-// An immutable set. The class is "NSSet". As thread-safe as its members.
+// An immutable set. The class is "NSSet". As thread-safe as its members, which must not change in
+// equality or hash while they are in a set. Comparing sets that nest more than 500 deep raises
+// InvalidArgumentException.
 class QX_EXPORT Set : public Object {
  public:
+  // Of equal members the first stays. Nil raises.
   static Ref<Set> from(In<Array> members);
 
   std::size_t count() const;

@@ -83,8 +83,9 @@ class QX_EXPORT String : public Object {
   Ref<String> caseFoldedString() const;
   Ref<String> normalizedString(NormalForm form) const;
 
-  // Number text at the start, leading white space skipped; 0 without digits; stops at the type's
-  // limits.
+  // Number text at the start, leading white space skipped; 0 without digits. Integers stop at the
+  // type's limits (a negative text as unsigned gives the two's complement), floating numbers at the
+  // infinities.
   int intValue() const;
   std::int64_t integerValue() const;
   std::uint64_t unsignedIntegerValue() const;

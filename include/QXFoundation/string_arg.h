@@ -42,7 +42,7 @@ class StringArg {
   StringArg(I) = delete;  // text is wanted here, not a number
 
   constexpr bool isNil() const { return data_ == nullptr; }
-  // The text as UTF-8, empty for nil; lone surrogates of a String become U+FFFD.
+  // The text as well-formed UTF-8, empty for nil; lone surrogates of a String become U+FFFD.
   QX_EXPORT std::string utf8() const;
   // The text as an immutable String (the given object itself where it is one), nil for nil.
   QX_EXPORT Ref<String> string() const;

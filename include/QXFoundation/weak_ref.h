@@ -37,14 +37,18 @@ class QX_EXPORT WeakHandle {
 
 }  // namespace detail
 
+// Nil when default-constructed. Copies are cheap. Several threads may use their own copies while
+// others release the object; one WeakRef variable belongs to one thread at a time.
 template <class T>
 class WeakRef {
  public:
   WeakRef() = default;
   WeakRef(std::nullptr_t) {}
-  WeakRef(const Ref<T>& r) : handle_(r.get()) {}
+  template <class U>
+    requires std::is_convertible_v<U*, T*>
+  WeakRef(const Ref<U>& r) : handle_(r.get()) {}
   explicit WeakRef(T* p) : handle_(p) {}
-  // Nil when the object is gone.
+  // Nil when the object is gone, which it is from the beginning of its destructor on.
   [[nodiscard]] Ref<T> lock() const { return Ref<T>::adopt(static_cast<T*>(handle_.lock())); }
 
  private:

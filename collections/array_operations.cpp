@@ -1,0 +1,169 @@
+#include <QXFoundation/array_operations.h>
+#include <QXFoundation/array_shuffle.h>
+
+#include "collections/added_operations.h"
+#include "collections/membership.h"
+#include "frame/array_storage.h"
+#include "frame/raise.h"
+#include "platform/random_numbers.h"
+
+namespace qx {
+
+using detail::ArrayStorage;
+using detail::Membership;
+
+namespace {
+
+PropertyValue perform(const PropertyValue& element, Selector selector) {
+  return detail::performSelectorImpl(element, selector, nullptr, 0);
+}
+
+bool answers(const PropertyValue& element, Selector selector, const PropertyValue& wanted) {
+  const PropertyValue result = perform(element, selector);
+  return !result.isNil() && result == wanted;
+}
+
+// The elements for which the test gives `wanted`. Nil for nil.
+template <class Test>
+Ref<MutableArray> elementsWhere(In<Array> array, bool wanted, Test&& test) {
+  if (!array) return nullptr;
+  const Ref<Array> held = ArrayStorage::steady(*array);
+  auto found = MutableArray::init();
+  for (const PropertyValue& element : *held) {
+    if (test(element) == wanted) found->addObject(element);
+  }
+  return found;
+}
+
+Ref<MutableArray> elementsInArray(In<Array> array, In<Array> other, bool wanted) {
+  if (!array) return nullptr;
+  const Membership members(other);
+  return elementsWhere(array, wanted,
+                       [&](const PropertyValue& element) { return members.contains(element); });
+}
+
+// Whether the array still holds what it did, as far as the walk through it would notice.
+bool isUnchanged(const Array& array, const Array& before, std::size_t index) {
+  return array.count() == before.count() && isSame(array.begin()[index], before.begin()[index]);
+}
+
+}  // namespace
+
+Ref<MutableArray> subarrayWithoutObject(In<Array> array, const PropertyValue& object) {
+  const PropertyValue held = object;
+  return elementsWhere(array, false, [&](const PropertyValue& element) { return element == held; });
+}
+
+Ref<MutableArray> subarrayByIntersectingWithArray(In<Array> array, In<Array> other) {
+  return elementsInArray(array, other, true);
+}
+
+Ref<MutableArray> subarrayByDifferenceWithArray(In<Array> array, In<Array> other) {
+  return elementsInArray(array, other, false);
+}
+
+Ref<MutableArray> subarrayByPerformingSelector(In<Array> array, SelectorFor<0> selector,
+                                               const PropertyValue& equalTo) {
+  const PropertyValue wanted = equalTo;
+  return elementsWhere(array, true, [&](const PropertyValue& element) {
+    return answers(element, selector, wanted);
+  });
+}
+
+PropertyValue firstObjectByPerformingSelector(In<Array> array, SelectorFor<0> selector,
+                                              const PropertyValue& equalTo) {
+  if (!array) return {};
+  const PropertyValue wanted = equalTo;
+  const Ref<Array> held = ArrayStorage::steady(*array);
+  for (const PropertyValue& element : *held) {
+    if (answers(element, selector, wanted)) return element;
+  }
+  return {};
+}
+
+Ref<MutableArray> arrayByPerformingSelector(In<Array> array, SelectorFor<0> selector) {
+  if (!array) return nullptr;
+  const Ref<Array> held = ArrayStorage::steady(*array);
+  auto results = MutableArray::init();
+  Membership known;
+  for (const PropertyValue& element : *held) {
+    const PropertyValue result = perform(element, selector);
+    if (result.isNil() || known.contains(result)) continue;
+    results->addObject(result);
+    known.add(result);
+  }
+  return results;
+}
+
+bool kwContainsArray(In<Array> array, In<Array> other) {
+  if (!array) return false;
+  if (!other) return true;
+  const Ref<Array> asked = Ref<Array>(other.get());
+  const Ref<Array> before = ArrayStorage::steady(*asked);
+  const Membership members(array);
+  for (std::size_t i = 0; i < before->count(); ++i) {
+    if (!members.contains(before->begin()[i])) return false;
+    if (!isUnchanged(*asked, *before, i))
+      throw GenericException("-[NSArray kwContainsArray:]: the argument was changed meanwhile");
+  }
+  return true;
+}
+
+Ref<MutableArray> kwRandomize(In<Array> array) {
+  if (!array) return nullptr;
+  auto shuffled = MutableArray::from(array->begin(), array->count());
+  detail::shuffle(*shuffled);
+  return shuffled;
+}
+
+namespace detail {
+
+// An array whose class sees its changes is told of each exchange.
+void shuffle(MutableArray& array) {
+  const std::size_t count = array.count();
+  const bool plain = &array.cls() == &classOf<MutableArray>();
+  PropertyValue* values = ArrayStorage::values(array);
+  RandomNumbers& random = randomNumbers();
+  for (std::size_t i = 0; i + 1 < count; ++i) {
+    const std::size_t j = i + static_cast<std::size_t>(random.next()) % (count - i);
+    if (plain) {
+      std::swap(values[i], values[j]);
+    } else {
+      array.exchangeObjectAtIndex(j, i);
+    }
+  }
+}
+
+void addArrayOperations(ClassBuilderBase& c) {
+  using Value = const PropertyValue&;
+  using Other = const Ref<Array>&;
+  using Name = const Ref<String>&;
+  c.addFunction(
+      "subarrayWithoutObject:",
+      +[](Value r, Value x) { return subarrayWithoutObject(r.as<Array>(), x); });
+  c.addFunction(
+      "subarrayByIntersectingWithArray:",
+      +[](Value r, Other other) { return subarrayByIntersectingWithArray(r.as<Array>(), other); });
+  c.addFunction(
+      "subarrayByDifferenceWithArray:",
+      +[](Value r, Other other) { return subarrayByDifferenceWithArray(r.as<Array>(), other); });
+  c.addFunction(
+      "subarrayByPerformingSelector:equalTo:", +[](Value r, Name selector, Value x) {
+        return subarrayByPerformingSelector(r.as<Array>(), Selector::named(selector), x);
+      });
+  c.addFunction(
+      "firstObjectByPerformingSelector:equalTo:", +[](Value r, Name selector, Value x) {
+        return firstObjectByPerformingSelector(r.as<Array>(), Selector::named(selector), x);
+      });
+  c.addFunction(
+      "arrayByPerformingSelector:", +[](Value r, Name selector) {
+        return arrayByPerformingSelector(r.as<Array>(), Selector::named(selector));
+      });
+  c.addFunction(
+      "kwContainsArray:",
+      +[](Value r, Other other) { return kwContainsArray(r.as<Array>(), other); });
+  c.addFunction("kwRandomize", +[](Value r) { return kwRandomize(r.as<Array>()); });
+}
+
+}  // namespace detail
+}  // namespace qx

@@ -1,0 +1,64 @@
+#include <QXFoundation/pointer_array_operations.h>
+
+#include "collections/added_operations.h"
+
+namespace qx {
+namespace {
+
+std::size_t indexOf(const PointerArray& array, const Object* object) {
+  for (std::size_t i = 0; i < array.count(); ++i) {
+    if (array.pointerAtIndex(i) == object) return i;
+  }
+  return kNotFound;
+}
+
+}  // namespace
+
+void addObject(In<PointerArray> array, In<Object> object) {
+  if (array) array->addPointer(object.get());
+}
+
+bool containsObject(In<PointerArray> array, In<Object> object) {
+  return array && indexOf(*array, object.get()) != kNotFound;
+}
+
+// The array is held: what is removed may be its last owner.
+void removeObject(In<PointerArray> array, In<Object> object) {
+  if (!array) return;
+  const Ref<PointerArray> held = Ref<PointerArray>(array.get());
+  const std::size_t index = indexOf(*held, object.get());
+  if (index != kNotFound) held->removePointerAtIndex(index);
+}
+
+void removeObjectIdenticalTo(In<PointerArray> array, In<Object> object) {
+  removeObject(array, object);
+}
+
+void removeAllObjects(In<PointerArray> array) {
+  if (!array) return;
+  const Ref<PointerArray> held = Ref<PointerArray>(array.get());
+  while (held->count() != 0) held->removePointerAtIndex(held->count() - 1);
+}
+
+void removeAllNulls(In<PointerArray> array) {
+  if (array) array->compact();
+}
+
+namespace detail {
+
+void addPointerArrayOperations(ClassBuilderBase& c) {
+  using Value = const PropertyValue&;
+  using Item = const Ref<Object>&;
+  c.addFunction("addObject:", +[](Value r, Item x) { addObject(r.as<PointerArray>(), x); });
+  c.addFunction(
+      "containsObject:", +[](Value r, Item x) { return containsObject(r.as<PointerArray>(), x); });
+  c.addFunction("removeObject:", +[](Value r, Item x) { removeObject(r.as<PointerArray>(), x); });
+  c.addFunction(
+      "removeObjectIdenticalTo:",
+      +[](Value r, Item x) { removeObjectIdenticalTo(r.as<PointerArray>(), x); });
+  c.addFunction("removeAllObjects", +[](Value r) { removeAllObjects(r.as<PointerArray>()); });
+  c.addFunction("removeAllNulls", +[](Value r) { removeAllNulls(r.as<PointerArray>()); });
+}
+
+}  // namespace detail
+}  // namespace qx

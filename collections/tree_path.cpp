@@ -1,0 +1,23 @@
+#include "collections/tree_path.h"
+
+#include <algorithm>
+
+#include "frame/raise.h"
+
+namespace qx::detail {
+
+QXTree& NodeTest::look(const PropertyValue& value, Selector operation) {
+  auto* node = value.peek<QXTree>();
+  if (node == nullptr) raiseUnsupported(value, operation);
+  classIndex_ = ObjectAccess::classIndex(*node);
+  known_ = true;
+  return *node;
+}
+
+void CircleWatch::refuseRepeated(std::vector<const Object*> way) {
+  std::sort(way.begin(), way.end());
+  if (std::adjacent_find(way.begin(), way.end()) != way.end())
+    raiseInvalidArgument("QXTree: a node stands below itself");
+}
+
+}  // namespace qx::detail

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <string>
+
+#include "platform/file_calls.h"
+
+namespace qx::detail {
+
+// Keeps other processes, and other holders in this one, out while it lives: an advisory lock on a
+// file of its own, which is made when missing and stays. The system gives it back when the process
+// ends, however it ends.
+class FileLock {
+ public:
+  // Waits until the lock is free, at most that long.
+  FileLock(const std::string& path, unsigned milliseconds);
+  bool isHeld() const { return held_; }
+
+ private:
+  OpenFile file_;
+  bool held_ = false;
+};
+
+}  // namespace qx::detail

@@ -1,0 +1,125 @@
+#include "platform/plist_binary_table.h"
+
+#include "platform/plist_fault.h"
+#include "platform/plist_limits.h"
+#include "platform/property_list_io.h"
+
+namespace qx::detail {
+namespace {
+
+constexpr std::string_view kMagicOfAll = "bplist";
+
+[[noreturn]] void failUnsupported(std::size_t at, std::string reason) {
+  throw PlistFault{PropertyListErrorCode::unsupported, std::move(reason), at};
+}
+
+}  // namespace
+
+bool looksLikeBinaryPlist(std::string_view bytes) { return bytes.starts_with(kMagicOfAll); }
+
+void PlistTable::fail(std::size_t at, std::string reason) {
+  throw PlistFault{PropertyListErrorCode::malformed, std::move(reason), at};
+}
+
+PlistTable::PlistTable(std::string_view bytes)
+    : bytes_(reinterpret_cast<const unsigned char*>(bytes.data())) {
+  if (bytes.size() < kPlistMagic.size()) fail(bytes.size(), "the header is cut off");
+  if (!bytes.starts_with(kPlistMagic)) {
+    failUnsupported(kMagicOfAll.size(), "this version of the binary form is not read");
+  }
+  if (bytes.size() < kPlistMagic.size() + kPlistTrailerSize) {
+    fail(bytes.size(), "the list is too short for a trailer");
+  }
+  trailer_ = bytes.size() - kPlistTrailerSize;
+  offsetWidth_ = bytes_[trailer_ + 6];
+  referenceWidth_ = bytes_[trailer_ + 7];
+  objectCount_ = bigEndian(bytes_ + trailer_ + 8, 8);
+  root_ = bigEndian(bytes_ + trailer_ + 16, 8);
+  table_ = bigEndian(bytes_ + trailer_ + 24, 8);
+  if (offsetWidth_ < 1 || offsetWidth_ > 8) fail(trailer_ + 6, "offsets are not 1 to 8 bytes wide");
+  if (referenceWidth_ < 1 || referenceWidth_ > 8) {
+    fail(trailer_ + 7, "references are not 1 to 8 bytes wide");
+  }
+  if (table_ <= kPlistMagic.size() || table_ > trailer_) {
+    fail(trailer_ + 24, "the table of offsets is not within the list");
+  }
+  const std::uint64_t room = (trailer_ - table_) / offsetWidth_;
+  if (objectCount_ == 0 || objectCount_ != room || room * offsetWidth_ != trailer_ - table_) {
+    fail(trailer_ + 8, "the number of objects is not that of the table of offsets");
+  }
+  if (root_ >= objectCount_) fail(trailer_ + 16, "the root is none of the objects");
+  if (objectCount_ > kMaxPlistObjects) failUnsupported(trailer_ + 8, "there are too many objects");
+}
+
+std::uint64_t PlistTable::offset(std::uint64_t number) const {
+  const std::size_t at = table_ + number * offsetWidth_;
+  const std::uint64_t place = bigEndian(bytes_ + at, offsetWidth_);
+  if (place < kPlistMagic.size() || place >= table_) fail(at, "an object is not within the list");
+  return place;
+}
+
+void PlistTable::readCount(PlistRecord& r) const {
+  r.count = r.marker & 15U;
+  const bool hasLongSize = r.kind() == kPlistData || r.isText() || r.isContainer();
+  if (r.count != kPlistLongSize || !hasLongSize) return;
+  const std::size_t left = table_ - r.at - 1;
+  if (left == 0 || r.bytes[0] >> 4 != kPlistInteger) fail(r.at, "the size of an object is missing");
+  const unsigned power = r.bytes[0] & 15U;
+  if (power > 3) fail(r.at, "the size of an object is wider than 8 bytes");
+  const std::size_t width = std::size_t{1} << power;
+  if (left - 1 < width) fail(r.at, "the size of an object is cut off");
+  r.count = bigEndian(r.bytes + 1, width);
+  r.bytes += 1 + width;
+}
+
+// Counts are checked against what is there before they are multiplied.
+std::uint64_t PlistTable::contentSize(const PlistRecord& r) const {
+  const std::uint64_t left = table_ - static_cast<std::uint64_t>(r.bytes - bytes_);
+  const auto times = [&](std::uint64_t width) {
+    return r.count > left / width ? left + 1 : r.count * width;
+  };
+  switch (r.kind()) {
+    case kPlistData:
+    case kPlistAscii:
+      return r.count;
+    case kPlistUtf16:
+      return times(2);
+    case kPlistArray:
+      return times(referenceWidth_);
+    case kPlistDictionary:
+      return times(2 * referenceWidth_);
+    case kPlistInteger:
+      if (r.count > 4) fail(r.at, "an integer is wider than 16 bytes");
+      return std::uint64_t{1} << r.count;
+    case kPlistUid:
+      failUnsupported(r.at, "the identifiers of keyed archives are no values of property lists");
+    case kPlistSet:
+      failUnsupported(r.at, "a set is no value of a property list");
+    default:
+      break;
+  }
+  if (r.marker == kPlistFalse || r.marker == kPlistTrue) return 0;
+  if (r.marker == kPlistReal32) return 4;
+  if (r.marker == kPlistReal64 || r.marker == kPlistDate) return 8;
+  failUnsupported(r.at, "an object is of a kind that is not known");
+}
+
+PlistRecord PlistTable::record(std::uint64_t number) const {
+  PlistRecord r{};
+  r.at = offset(number);
+  r.marker = bytes_[r.at];
+  r.bytes = bytes_ + r.at + 1;
+  readCount(r);
+  const std::uint64_t size = contentSize(r);
+  if (size > table_ - static_cast<std::uint64_t>(r.bytes - bytes_)) {
+    fail(r.at, "an object reaches beyond the objects");
+  }
+  r.size = size;
+  return r;
+}
+
+void PlistTable::failReference(const unsigned char* from) const {
+  fail(static_cast<std::size_t>(from - bytes_), "a reference names no object");
+}
+
+}  // namespace qx::detail

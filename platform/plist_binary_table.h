@@ -1,0 +1,71 @@
+#pragma once
+
+// The frame of a binary property list: trailer, table and objects as runs of bytes, each checked
+// before it is used.
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "platform/plist_binary_format.h"
+
+namespace qx::detail {
+
+// One object as it stands in the list.
+struct PlistRecord {
+  std::uint8_t marker;         // its first byte
+  std::size_t at;              // of that byte
+  std::uint64_t count;         // bytes, units, elements or entries, by the kind
+  const unsigned char* bytes;  // behind marker and count
+  std::size_t size;            // of those bytes
+
+  unsigned kind() const { return marker >> 4; }
+  bool isText() const { return kind() == kPlistAscii || kind() == kPlistUtf16; }
+  bool isContainer() const { return kind() == kPlistArray || kind() == kPlistDictionary; }
+  // Of a container.
+  std::uint64_t referenceCount() const { return kind() == kPlistDictionary ? 2 * count : count; }
+};
+
+class PlistTable {
+ public:
+  // Borrows the bytes. Throws a PlistFault unless header, trailer and table fit together.
+  explicit PlistTable(std::string_view bytes);
+
+  std::uint64_t objectCount() const { return objectCount_; }
+  std::uint64_t root() const { return root_; }
+  // Bytes that the objects have for themselves.
+  std::uint64_t objectBytes() const { return table_ - kPlistMagic.size(); }
+  const unsigned char* at(std::size_t offset) const { return bytes_ + offset; }
+
+  // The object, all of whose bytes lie before the table. Precondition: number < objectCount().
+  PlistRecord record(std::uint64_t number) const;
+  // The reference at that position behind a container's count; it names an object that is there.
+  std::uint64_t reference(const PlistRecord& container, std::uint64_t position) const {
+    const unsigned char* const from = container.bytes + position * referenceWidth_;
+    const std::uint64_t number = bigEndian(from, referenceWidth_);
+    if (number >= objectCount_) failReference(from);
+    return number;
+  }
+  std::size_t referenceWidth() const { return referenceWidth_; }
+
+  // Throws a PlistFault of code `malformed`.
+  [[noreturn]] static void fail(std::size_t at, std::string reason);
+
+ private:
+  [[noreturn]] void failReference(const unsigned char* from) const;
+  std::uint64_t offset(std::uint64_t number) const;
+  // Bytes of an object whose marker and count were read; fails for kinds that are not known.
+  std::uint64_t contentSize(const PlistRecord& r) const;
+  void readCount(PlistRecord& r) const;
+
+  const unsigned char* bytes_;
+  std::size_t trailer_ = 0;
+  std::size_t offsetWidth_ = 0;
+  std::size_t referenceWidth_ = 0;
+  std::uint64_t objectCount_ = 0;
+  std::uint64_t root_ = 0;
+  std::uint64_t table_ = 0;
+};
+
+}  // namespace qx::detail

@@ -1,0 +1,215 @@
+#include <gtest/gtest.h>
+
+#include <QXFoundation/array_functional.h>
+
+#include "tests/collections/sample_objects.h"
+
+namespace {
+
+using qx::array;
+using qx::PropertyValue;
+using Value = const PropertyValue&;
+
+PropertyValue itself(Value e) { return e; }
+
+TEST(ArrayFunctional, EmptyArraysCallNoBlock) {
+  const auto none = qx::Array::init();
+  const auto fail = [](Value) -> PropertyValue { throw std::logic_error("called"); };
+  const auto failBool = [](Value) -> bool { throw std::logic_error("called"); };
+  const auto failTwo = [](Value, Value) -> PropertyValue { throw std::logic_error("called"); };
+  const qx::Class& any = qx::classOf<qx::Object>();
+  EXPECT_EQ(qxMap(none, fail)->count(), 0U);
+  EXPECT_EQ(qxMap(none, fail, any)->count(), 0U);
+  EXPECT_EQ(qxFilter(none, failBool)->count(), 0U);
+  EXPECT_EQ(qxFilter(none, failBool, any)->count(), 0U);
+  EXPECT_EQ(qxFlatMap(none, fail)->count(), 0U);
+  EXPECT_EQ(qxFlatMap(none, fail, any)->count(), 0U);
+  EXPECT_EQ(qxReduce(none, 7, failTwo), 7);
+  EXPECT_EQ(qxReduce(none, nullptr, failTwo), nullptr);
+  EXPECT_EQ(qxReduce(none, 7, failTwo, any), 7);
+  EXPECT_FALSE(qxContains(none, failBool));
+  EXPECT_FALSE(qxContains(none, failBool, any));
+  qxForEach(none, fail);
+  qxForEach(none, fail, any);
+}
+
+TEST(ArrayFunctional, NilArraysGiveNil) {
+  const qx::Ref<qx::Array> nil;
+  EXPECT_EQ(qxMap(nil, itself), nullptr);
+  EXPECT_EQ(qxFilter(nil, [](Value) { return true; }), nullptr);
+  EXPECT_EQ(qxFlatMap(nil, itself), nullptr);
+  EXPECT_EQ(qxReduce(nil, 7, [](Value v, Value) { return v; }), nullptr);
+  EXPECT_FALSE(qxContains(nil, [](Value) { return true; }));
+  qxForEach(nil, [](Value) { FAIL(); });
+}
+
+TEST(ArrayFunctional, OnlyExactlyOneIsYes) {
+  const auto a = array(1, 2, 3);
+  EXPECT_EQ(qxFilter(a, [](Value) -> unsigned char { return 2; })->count(), 0U);
+  EXPECT_EQ(qxFilter(a, [](Value) -> signed char { return -1; })->count(), 0U);
+  EXPECT_EQ(qxFilter(a, [](Value) { return 257; })->count(), 0U);
+  EXPECT_EQ(qxFilter(a, [](Value) -> unsigned char { return 1; })->count(), 3U);
+  EXPECT_EQ(qxFilter(a, [](Value) { return true; })->count(), 3U);
+  EXPECT_EQ(qxFilter(a, [](Value) { return 2; }, qx::classOf<qx::Number>())->count(), 0U);
+  EXPECT_FALSE(qxContains(a, [](Value) -> unsigned char { return 2; }));
+  EXPECT_FALSE(qxContains(a, [](Value) { return 2; }, qx::classOf<qx::Number>()));
+  EXPECT_TRUE(qxContains(a, [](Value) -> unsigned char { return 1; }));
+}
+
+TEST(ArrayFunctional, FlatMapTransformsWhatItFlattens) {
+  EXPECT_EQ(PropertyValue(qxFlatMap(array(1, array(2, 3)), itself)), array(1, 2, 3));
+  EXPECT_EQ(PropertyValue(qxFlatMap(array(array(array(1))), itself)), array(1));
+  const auto mixed = array("a", array("b", 1));
+  EXPECT_EQ(PropertyValue(qxFlatMap(mixed, itself, qx::classOf<qx::String>())), array("a", "b"));
+  // Each level of arrays passes the transform once more.
+  const auto countDown = [](Value e) {
+    return e.isNumber() && e.intValue() > 0 ? PropertyValue(array(e.intValue() - 1, "x")) : e;
+  };
+  EXPECT_EQ(PropertyValue(qxFlatMap(array(3), countDown)), array(0, "x", "x", "x"));
+  EXPECT_EQ(
+      PropertyValue(qxFlatMap(array(1, 2), [](Value e) { return e == 1 ? PropertyValue() : e; })),
+      array(2));
+}
+
+TEST(ArrayFunctional, FlatMapGoesAsDeepAsTheDataWithoutTheStack) {
+  qx::Ref<qx::Array> nested = array("leaf");
+  for (int i = 0; i < 1'000'000; ++i) nested = array(nested);
+  EXPECT_EQ(PropertyValue(qxFlatMap(nested, itself)), array("leaf"));
+}
+
+TEST(ArrayFunctional, FlatMapOfATransformWithoutEndRaises) {
+  const auto again = array("more");
+  EXPECT_THROW((void)qxFlatMap(array(1), [&](Value) { return again; }),
+               qx::InvalidArgumentException);
+}
+
+TEST(ArrayFunctional, ReduceKeepsToItsClass) {
+  const auto add = [](Value v, Value e) { return v.intValue() + e.intValue(); };
+  EXPECT_EQ(qxReduce(array(1, 2, 3), 0, add), 6);
+  EXPECT_EQ(qxReduce(array("a", "b"), 0, add, qx::classOf<qx::String>()), 0);
+  // A step that leaves the class is the last one.
+  const auto toNull = [](Value v, Value e) {
+    return e == 2 ? PropertyValue(qx::null) : PropertyValue(v.intValue() + e.intValue());
+  };
+  EXPECT_EQ(qxReduce(array(1, 2, 3), 0, toNull, qx::classOf<qx::Number>()),
+            PropertyValue(qx::null));
+}
+
+TEST(ArrayFunctional, ReduceHoldsTheValueBetweenSteps) {
+  const auto grown = qxReduce(array("a", "b", "c"), qx::Array::init(), [](Value v, Value e) {
+    return v.as<qx::Array>()->arrayByAddingObject(e);
+  });
+  EXPECT_EQ(grown, PropertyValue(array("a", "b", "c")));
+}
+
+TEST(ArrayFunctional, ContainsStopsAtTheFirstYes) {
+  int calls = 0;
+  EXPECT_TRUE(qxContains(array(1, 2, 3), [&](Value e) { return ++calls, e == 2; }));
+  EXPECT_EQ(calls, 2);
+}
+
+TEST(ArrayFunctional, MapThatGivesNilRaises) {
+  EXPECT_THROW((void)qxMap(array(1), [](Value) { return nullptr; }), qx::InvalidArgumentException);
+  EXPECT_THROW((void)qxMap(
+                   array(1), [](Value) { return PropertyValue(); }, qx::classOf<qx::Number>()),
+               qx::InvalidArgumentException);
+}
+
+TEST(ArrayFunctional, BlocksMayTakeIndexAndStopFlag) {
+  const auto a = array("a", "b", "c", "d");
+  const auto upToSecond = [](Value e, std::size_t index, bool& stop) {
+    stop = index == 1;
+    return e.as<qx::String>()->stringByAppendingString(std::to_string(index));
+  };
+  EXPECT_EQ(PropertyValue(qxMap(a, upToSecond)), array("a0", "b1"));
+  EXPECT_EQ(PropertyValue(qxFilter(a,
+                                   [](Value, std::size_t index, bool& stop) {
+                                     stop = index == 2;
+                                     return index != 1;
+                                   })),
+            array("a", "c"));
+  EXPECT_EQ(qxReduce(a, 0,
+                     [](Value v, Value, std::size_t index, bool& stop) {
+                       stop = index == 2;
+                       return v.intValue() + static_cast<int>(index);
+                     }),
+            3);
+  EXPECT_FALSE(qxContains(a, [](Value e, std::size_t, bool& stop) {
+    stop = true;
+    return e == "b";
+  }));
+  std::string seen;
+  qxForEach(a, [&](Value e, std::size_t index, bool& stop) {
+    seen += e.description() + std::to_string(index);
+    stop = index == 2;
+  });
+  EXPECT_EQ(seen, "a0b1c2");
+}
+
+TEST(ArrayFunctional, StoppingWithinAnArrayEndsThatArrayAlone) {
+  const auto stopAtTwo = [](Value e, std::size_t, bool& stop) {
+    stop = e == 2;
+    return e;
+  };
+  EXPECT_EQ(PropertyValue(qxFlatMap(array(1, array(2, 3), 4), stopAtTwo)), array(1, 2, 4));
+  // An element that stops and gives an array still has that array walked.
+  const auto stopAtArray = [](Value e, std::size_t, bool& stop) {
+    stop = e.isArray();
+    return e;
+  };
+  EXPECT_EQ(PropertyValue(qxFlatMap(array(array(1, 2), 3), stopAtArray)), array(1, 2));
+}
+
+TEST(ArrayFunctional, ClassFormsTakeInstancesOfSubclassesToo) {
+  const auto s = qx::MutableString::from("m");
+  const auto a = array("s", s, 1, qx::null, array("x"));
+  EXPECT_EQ(PropertyValue(qxMap(a, itself, qx::classOf<qx::String>())), array("s", "m"));
+  EXPECT_EQ(PropertyValue(qxFilter(
+                a, [](Value) { return true; }, qx::classOf<qx::MutableString>())),
+            array("m"));
+  int count = 0;
+  qxForEach(a, [&](Value) { ++count; }, qx::classOf<qx::Object>());
+  EXPECT_EQ(count, 5);
+}
+
+TEST(ArrayFunctional, BlocksMayChangeTheArray) {
+  const auto a = qx::MutableArray::init();
+  for (int i = 0; i < 100; ++i) a->addObject(std::to_string(i));
+  const auto mapped = qxMap(a, [&](Value e) {
+    a->removeAllObjects();
+    return e.as<qx::String>()->stringByAppendingString("!");
+  });
+  EXPECT_EQ(mapped->count(), 100U);
+  EXPECT_EQ(mapped->lastObject(), "99!");
+  EXPECT_EQ(a->count(), 0U);
+}
+
+TEST(ArrayFunctional, BlocksMayLetGoOfTheArray) {
+  qx::Ref<qx::Array> a = array("x", "y");
+  int calls = 0;
+  qxForEach(a, [&](Value e) {
+    a = nullptr;
+    calls += e.isString() ? 1 : 0;
+  });
+  EXPECT_EQ(calls, 2);
+}
+
+TEST(ArrayFunctional, ExceptionsOfBlocksPassThrough) {
+  const auto a = array("x", "y", "z");
+  EXPECT_THROW((void)qxMap(a,
+                           [](Value e) -> PropertyValue {
+                             if (e == "y") throw std::runtime_error("no");
+                             return e;
+                           }),
+               std::runtime_error);
+}
+
+TEST(ArrayFunctional, ResultsAreImmutable) {
+  const auto a = qx::MutableArray::init();
+  a->addObject(1);
+  EXPECT_EQ(qxMap(a, itself)->cls().name(), std::string("NSArray"));
+  EXPECT_EQ(qxFilter(a, [](Value) { return true; })->cls().name(), std::string("NSArray"));
+  EXPECT_EQ(qxFlatMap(a, itself)->cls().name(), std::string("NSArray"));
+}
+
+}  // namespace

@@ -1,0 +1,46 @@
+#pragma once
+
+// The process's local time zone for the length of a test.
+
+#include <cstdlib>
+#include <optional>
+#include <string>
+
+namespace test_support {
+
+class ScopedZone {
+ public:
+  // A null name leaves `TZ` unset, for the system's zone.
+  explicit ScopedZone(const char* name) {
+    if (const char* before = std::getenv("TZ")) before_ = before;
+    set(name);
+  }
+  ScopedZone(const ScopedZone&) = delete;
+  ScopedZone& operator=(const ScopedZone&) = delete;
+  ~ScopedZone() { set(before_ ? before_->c_str() : nullptr); }
+
+ private:
+  static void set(const char* name) { name != nullptr ? setenv("TZ", name, 1) : unsetenv("TZ"); }
+
+  std::optional<std::string> before_;
+};
+
+// UTC; daylight saving in the north and in the south, there of half an hour too; a quarter of an
+// hour; far west and far east, there across the date line; and rules without a zone of that name.
+inline constexpr const char* kZones[] = {
+    "UTC",
+    "America/New_York",
+    "Europe/Berlin",
+    "Australia/Sydney",
+    "Asia/Kathmandu",
+    "Pacific/Pago_Pago",
+    "Pacific/Apia",
+    "Australia/Lord_Howe",
+    "Africa/Casablanca",
+    "Europe/Dublin",
+    "Asia/Gaza",
+    "America/St_Johns",
+    "NST3:30NDT,M3.2.0/0:01,M11.1.0/0:01",
+};
+
+}  // namespace test_support

@@ -1,0 +1,129 @@
+#include <gtest/gtest.h>
+
+#include <limits>
+
+#include <QXFoundation/QXFoundation.h>
+#include <QXFoundation/size_formatter.h>
+
+namespace qx {
+namespace {
+
+class Folder : public Object {
+ public:
+  explicit Folder(std::int64_t size) : size_(size) {}
+  std::int64_t longLongValue() const { return size_; }
+
+ private:
+  std::int64_t size_;
+};
+void describe(ClassBuilder<Folder>& c) {
+  c.name("SizeTestFolder").operation("longLongValue", &Folder::longLongValue);
+}
+
+TEST(SizeFormatter, PrintsCountsWithoutRounding) {
+  const std::pair<std::int64_t, const char*> cases[] = {
+      {0, "0 bytes"},
+      {1, "1 bytes"},
+      {999, "999 bytes"},
+      {1000, "1000 bytes"},
+      {1001, "1.1 KB"},
+      {1005, "1.5 KB"},
+      {1050, "1.50 KB"},
+      {1500, "1.500 KB"},
+      {2000, "2 KB"},
+      {999999, "999.999 KB"},
+      {1000000, "1 MB"},
+      {1005000, "1 MB"},
+      {1009999, "1 MB"},
+      {1010000, "1.1 MB"},
+      {1050000, "1.5 MB"},
+      {1990000, "1.99 MB"},
+      {999999999, "999.99 MB"},
+      {1000000000, "1 GB"},
+      {1009999999, "1 GB"},
+      {1010000000, "1.1 GB"},
+      {1999999999, "1.99 GB"},
+      {2147483648000000000, "2147483648 GB"},
+      {std::numeric_limits<std::int64_t>::max(), "9223372036.85 GB"},
+      {-1, "-1 bytes"},
+      {-5000000000, "-5000000000 bytes"},
+      {std::numeric_limits<std::int64_t>::min(), "-9223372036854775808 bytes"},
+  };
+  const auto formatter = QXSizeFormatter::init();
+  for (const auto& [count, text] : cases) {
+    EXPECT_EQ(formatter->stringForObjectValue(count), text) << count;
+    EXPECT_EQ(QXSizeFormatter::stringForByteCount(count)->utf8(), text) << count;
+  }
+}
+
+TEST(SizeFormatter, TakesNumbersOfEveryKindAndStrings) {
+  const auto formatter = QXSizeFormatter::init();
+  const std::pair<PropertyValue, const char*> cases[] = {
+      {2048U, "2.48 KB"},
+      {2048.9, "2.48 KB"},
+      {2048.9F, "2.48 KB"},
+      {-0.5, "0 bytes"},
+      {true, "1 bytes"},
+      {QXFractionNumber::initWithNumerator(4097, 2), "2.48 KB"},
+      {DecimalNumber::initWithString("2048.9"), "2.48 KB"},
+      {"2048", "2.48 KB"},
+      {"2048.9", "2.48 KB"},
+      {"2.048e3", "2.48 KB"},
+      {"-7", "-7 bytes"},
+      {" 12 KB", "12 bytes"},
+      {"", "0 bytes"},
+      {"many", "0 bytes"},
+      {"9007199254740993", "9007199.25 GB"},
+      {MutableString::from("1001"), "1.1 KB"},
+      {make<Folder>(1500), "1.500 KB"},
+  };
+  for (const auto& [value, text] : cases) {
+    EXPECT_EQ(formatter->stringForObjectValue(value), text) << value.description();
+  }
+}
+
+TEST(SizeFormatter, HasNoTextForAnythingElse) {
+  const auto formatter = QXSizeFormatter::init();
+  for (const PropertyValue& v :
+       {PropertyValue(), PropertyValue(qx::null), PropertyValue(Date::date()),
+        PropertyValue(array(1)), PropertyValue(dict({{"a", 1}})), PropertyValue(Data::from("1")),
+        PropertyValue(MutableSet::init()), PropertyValue(formatter)}) {
+    EXPECT_TRUE(formatter->stringForObjectValue(v).isNil()) << v.description();
+    EXPECT_EQ(formatter->attributedStringForObjectValue(v, nullptr), nullptr) << v.description();
+  }
+}
+
+TEST(SizeFormatter, PutsTheAttributesOnAllOfTheText) {
+  const auto formatter = QXSizeFormatter::init();
+  const auto attributes = dict({{"color", "red"}});
+  const auto text = formatter->attributedStringForObjectValue(1500, attributes);
+  EXPECT_EQ(text->string()->utf8(), "1.500 KB");
+  Range run;
+  EXPECT_TRUE(text->attributesAtIndex(3, &run)->isEqualToDictionary(attributes));
+  EXPECT_EQ(run, (Range{0, 8}));
+  const auto plain = formatter->attributedStringForObjectValue(1500, nullptr);
+  EXPECT_EQ(plain->attributesAtIndex(0, nullptr)->count(), 0U);
+}
+
+TEST(SizeFormatter, NeverParses) {
+  const auto formatter = QXSizeFormatter::init();
+  PropertyValue object = "before";
+  Ref<String> why = String::from("before");
+  EXPECT_FALSE(formatter->getObjectValue(&object, "1 KB", &why));
+  EXPECT_EQ(object, "before");
+  EXPECT_EQ(why->utf8(), "before");
+  EXPECT_FALSE(formatter->getObjectValue(nullptr, nullptr, nullptr));
+}
+
+TEST(SizeFormatter, IsAFormatterByNameAndSelector) {
+  const PropertyValue formatter = QXSizeFormatter::init();
+  EXPECT_TRUE(formatter.isKindOfClass(classOf<Formatter>()));
+  EXPECT_EQ(classNamed("QXSizeFormatter"), formatter.cls());
+  EXPECT_EQ(performSelector(formatter, "stringForObjectValue:", 1001), "1.1 KB");
+  const PropertyValue text = performSelector(
+      formatter, "attributedStringForObjectValue:withDefaultAttributes:", 1001, dict());
+  EXPECT_EQ(text["string"], "1.1 KB");
+}
+
+}  // namespace
+}  // namespace qx

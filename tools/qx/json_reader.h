@@ -1,0 +1,20 @@
+// JSON text as values and records; see JsonBuilder for what becomes of numbers and keys.
+#pragma once
+
+#include <string_view>
+
+#include <QXFoundation/property_value.h>
+
+#include "tools/qx/records.h"
+
+namespace qxtool {
+
+class Input;
+
+// One value. The Failure tells what is wrong with the text, and where.
+qx::PropertyValue valueFromJson(std::string_view text);
+
+// An array of dictionaries.
+void readJsonRecords(Input& input, RecordSink& sink);
+
+}  // namespace qxtool

@@ -1,0 +1,75 @@
+// qx: qualifiers on files, from the command line.
+
+#include <CLI/App.hpp>
+#include <CLI/Config.hpp>
+#include <CLI/Formatter.hpp>
+#include <exception>
+#include <functional>
+#include <iostream>
+#include <new>
+#include <string>
+
+#include <QXFoundation/exception.h>
+
+#include "tools/qx/command.h"
+#include "tools/qx/failure.h"
+#include "tools/qx/output.h"
+#include "tools/qx/printable.h"
+
+namespace qxtool {
+namespace {
+
+constexpr int kFailed = 2;
+const Command* const kCommands[] = {&kSelectCommand, &kExplainCommand};
+
+void show(const std::string& text) {
+  Output output;
+  output.write(text);
+  output.finish();
+}
+
+int fail(const std::string& reason) {
+  std::cerr << "qx: " << printable(reason) << '\n';
+  return kFailed;
+}
+
+// Parses the command line and does what it says.
+void run(int argc, char** argv) {
+  CLI::App app("Selects records from files by qualifiers.", "qx");
+  app.get_formatter()->column_width(24);
+  app.set_version_flag("--version", "qx " QX_VERSION);
+  app.require_subcommand(0, 1);
+  app.footer("qx COMMAND --help tells more, with examples.");
+  std::function<void()> chosen;
+  for (const Command* command : kCommands) {
+    CLI::App* sub = app.add_subcommand(command->name, command->purpose);
+    sub->footer(command->examples);
+    sub->callback([&chosen, action = command->declare(*sub)] { chosen = action; });
+  }
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::CallForHelp&) {
+    return show(app.help());
+  } catch (const CLI::CallForVersion& version) {
+    return show(std::string(version.what()) + '\n');
+  }
+  if (!chosen) throw Failure("no command is given; qx --help lists them");
+  chosen();
+}
+
+}  // namespace
+}  // namespace qxtool
+
+int main(int argc, char** argv) {
+  using qxtool::fail;
+  try {
+    qxtool::run(argc, argv);
+    return 0;
+  } catch (const qx::Exception& error) {
+    return fail(error.reason());
+  } catch (const std::bad_alloc&) {
+    return fail("there is not enough memory");
+  } catch (const std::exception& error) {
+    return fail(error.what());
+  }
+}

@@ -1,0 +1,32 @@
+// Output: standard output, written in blocks.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace qxtool {
+
+// What cannot be written is a Failure. Nothing may be written before it is known that the command
+// succeeds.
+class Output {
+ public:
+  Output() = default;
+  Output(const Output&) = delete;
+  Output& operator=(const Output&) = delete;
+
+  void write(std::string_view text);
+  // Writes what is left, and closes: some file systems tell only then that there is no room.
+  void finish();
+
+ private:
+  void flush();
+  std::string pending_;
+  bool written_ = false;
+};
+
+// True when people are looking at it.
+bool outputIsTerminal();
+// Columns of that terminal; 80 where it does not tell.
+std::size_t terminalWidth();
+
+}  // namespace qxtool

@@ -1,0 +1,13 @@
+#include "tools/qx/records.h"
+
+#include "tools/qx/input.h"
+#include "tools/qx/json_reader.h"
+
+namespace qxtool {
+
+void readRecords(const std::string& path, RecordSink& sink, Progress& progress) {
+  Input input(path, progress);
+  readJsonRecords(input, sink);
+}
+
+}  // namespace qxtool
