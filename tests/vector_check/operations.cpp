@@ -6,7 +6,6 @@ Operations allOperations() {
   Operations operations;
   addQualifierOperations(operations);
   addValueOperations(operations);
-  addPreferencesOperations(operations);
   addFunctionalOperations(operations);
   addCollectionOperations(operations);
   addStringOperations(operations);
