@@ -8,12 +8,10 @@
 #include <stdio.h>
 #include <stdlib.h>
 
-#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
-#include <functional>
 #include <map>
 #include <random>
 #include <string>
@@ -202,12 +200,12 @@ class Reporter : public benchmark::ConsoleReporter {
   void ReportRuns(const std::vector<Run>& runs) override {
     ConsoleReporter::ReportRuns(runs);
     for (const Run& r : runs) {
-      if (r.run_type != Run::RT_Iteration || r.error_occurred) continue;
+      if (r.aggregate_name != "median") continue;
       // All of them work in one thread: the time of the processor leaves out what others do with
       // it.
       const bool isManual = !r.run_name.time_type.empty();
-      times_[r.run_name.function_name].push_back(isManual ? r.GetAdjustedRealTime()
-                                                          : r.GetAdjustedCPUTime());
+      times_[r.run_name.function_name] =
+          isManual ? r.GetAdjustedRealTime() : r.GetAdjustedCPUTime();
     }
   }
 
@@ -226,15 +224,13 @@ class Reporter : public benchmark::ConsoleReporter {
   }
 
  private:
+  // 0 for what was not measured.
   double median(const std::string& name) const {
     const auto found = times_.find(name);
-    if (found == times_.end()) return 0;
-    std::vector<double> times = found->second;
-    std::sort(times.begin(), times.end());
-    return times[times.size() / 2];
+    return found == times_.end() ? 0 : found->second;
   }
 
-  std::map<std::string, std::vector<double>> times_;
+  std::map<std::string, double> times_;
 };
 
 }  // namespace

@@ -29,9 +29,10 @@ const std::vector<Person>& peopleOf(std::size_t distinct) {
   return people;
 }
 
-// Runs `sort` on a fresh copy of `records` in each round; copying is not measured.
-template <class Records, class Sort>
-void measure(benchmark::State& state, const Records& records, Sort sort) {
+// Runs `sort` on a fresh copy of `records` in each round, and looks at the first result with
+// `isSorted`; only sorting is measured.
+template <class Records, class Sort, class IsSorted>
+void measure(benchmark::State& state, const Records& records, Sort sort, IsSorted isSorted) {
   double seconds = 0;
   for (auto _ : state) {
     auto copy = records();
@@ -40,6 +41,7 @@ void measure(benchmark::State& state, const Records& records, Sort sort) {
     const double took = bench::cpuSeconds() - start;
     state.SetIterationTime(took);
     seconds += took;
+    if (seconds == took && !isSorted(copy)) return state.SkipWithError("not sorted");
     benchmark::DoNotOptimize(copy);
   }
   state.counters["ns_per_element"] =
@@ -51,7 +53,13 @@ void sortArray(benchmark::State& state, const qx::Ref<qx::MutableArray>& array, 
       qx::array(qx::QXSortOrdering::sortOrderingWithKey(key, "compareAscending:"));
   measure(
       state, [&] { return qx::MutableArray::from(array->begin(), array->count()); },
-      [&](const qx::Ref<qx::MutableArray>& copy) { sortUsingKeyOrderArray(copy, orderings); });
+      [&](const qx::Ref<qx::MutableArray>& copy) { sortUsingKeyOrderArray(copy, orderings); },
+      [&](const qx::Ref<qx::MutableArray>& copy) {
+        return std::is_sorted(copy->begin(), copy->end(),
+                              [&](const qx::PropertyValue& a, const qx::PropertyValue& b) {
+                                return a[key].isLessThan(b[key]);
+                              });
+      });
 }
 
 void dictionaries(benchmark::State& state, const char* key, std::size_t distinct) {
@@ -69,26 +77,24 @@ void scattered(benchmark::State& state, const char* key, std::size_t distinct) {
   sortArray(state, qx::MutableArray::from(values.data(), values.size()), key);
 }
 
-template <class Field>
-void stableSortOfPointers(benchmark::State& state, Field Person::* field, std::size_t distinct) {
-  const auto records = bench::pointers(peopleOf(distinct));
+template <class Records, class Before>
+void stableSort(benchmark::State& state, const Records& records, Before before) {
   measure(
       state, [&] { return records; },
-      [&](auto& copy) {
-        std::stable_sort(copy.begin(), copy.end(),
-                         [&](const auto& a, const auto& b) { return (*a).*field < (*b).*field; });
-      });
+      [&](Records& copy) { std::stable_sort(copy.begin(), copy.end(), before); },
+      [&](const Records& copy) { return std::is_sorted(copy.begin(), copy.end(), before); });
+}
+
+template <class Field>
+void stableSortOfPointers(benchmark::State& state, Field Person::* field, std::size_t distinct) {
+  stableSort(state, bench::pointers(peopleOf(distinct)),
+             [&](const auto& a, const auto& b) { return (*a).*field < (*b).*field; });
 }
 
 template <class Field>
 void stableSortOfStructs(benchmark::State& state, Field Person::* field, std::size_t distinct) {
-  const auto& records = peopleOf(distinct);
-  measure(
-      state, [&] { return records; },
-      [&](auto& copy) {
-        std::stable_sort(copy.begin(), copy.end(),
-                         [&](const Person& a, const Person& b) { return a.*field < b.*field; });
-      });
+  stableSort(state, peopleOf(distinct),
+             [&](const Person& a, const Person& b) { return a.*field < b.*field; });
 }
 
 #ifdef QX_BENCH_SQLITE
@@ -130,14 +136,25 @@ class Database {
 };
 
 void orderBy(benchmark::State& state, const std::string& key, std::size_t distinct) {
-  Database database(peopleOf(distinct));
+  const std::vector<Person>& people = peopleOf(distinct);
+  Database database(people);
   sqlite3_stmt* select = database.prepare("select rowid from people order by " + key);
+  using Rows = std::vector<sqlite3_int64>;  // from 1, in the order of the records
+  const auto person = [&](sqlite3_int64 row) -> const Person& {
+    return people[static_cast<std::size_t>(row) - 1];
+  };
   measure(
-      state, [&] { return std::vector<sqlite3_int64>(kCount); },
-      [&](std::vector<sqlite3_int64>& rows) {
+      state, [&] { return Rows(kCount); },
+      [&](Rows& rows) {
         std::size_t n = 0;
         while (sqlite3_step(select) == SQLITE_ROW) rows[n++] = sqlite3_column_int64(select, 0);
         sqlite3_reset(select);
+      },
+      [&](const Rows& rows) {
+        return std::is_sorted(rows.begin(), rows.end(), [&](sqlite3_int64 a, sqlite3_int64 b) {
+          return key == "name" ? person(a).name < person(b).name
+                               : person(a).number < person(b).number;
+        });
       });
   sqlite3_finalize(select);
 }

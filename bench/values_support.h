@@ -3,30 +3,24 @@
 // What the benchmarks of values share: each does one thing to every item of a list.
 
 #include <benchmark/benchmark.h>
-#include <time.h>
 
 #include <cstddef>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
 
-namespace bench {
+#include "bench/cpu_time.h"
 
-// Seconds that the program has computed so far; other programs do not count.
-inline double computed() {
-  timespec now{};
-  clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
-  return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) / 1e9;
-}
+namespace bench {
 
 // Calls `work` for every item in each iteration, and shows nanoseconds per item.
 template <class Items, class Work>
 void perItem(benchmark::State& state, const Items& items, Work work) {
   double total = 0;
   for (auto _ : state) {
-    const double start = computed();
+    const double start = cpuSeconds();
     for (const auto& item : items) benchmark::DoNotOptimize(work(item));
-    total += computed() - start;
+    total += cpuSeconds() - start;
   }
   state.counters["ns"] =
       1e9 * total / static_cast<double>(state.iterations()) / static_cast<double>(items.size());

@@ -10,7 +10,7 @@ if(NOT Boost_FOUND)
 endif()
 
 # pkg-config names of the libraries that are linked. The installed package names them again for static linking.
-set(QXFOUNDATION_PKGCONFIG_DEPENDENCIES libutf8proc fmt expat liburiparser)
+set(QXFOUNDATION_PKGCONFIG_DEPENDENCIES libutf8proc fmt liburiparser)
 
 set(qxfoundation_link_dependencies Threads::Threads)
 foreach(module IN LISTS QXFOUNDATION_PKGCONFIG_DEPENDENCIES)
@@ -20,3 +20,11 @@ foreach(module IN LISTS QXFOUNDATION_PKGCONFIG_DEPENDENCIES)
   endif()
   list(APPEND qxfoundation_link_dependencies PkgConfig::QXFOUNDATION_${module})
 endforeach()
+
+# An independent XML parser, against which tests and fuzz targets hold the library's own reading of property lists.
+if(QXFOUNDATION_BUILD_TESTS OR QXFOUNDATION_BUILD_FUZZERS)
+  pkg_check_modules(QXFOUNDATION_expat QUIET IMPORTED_TARGET GLOBAL expat)
+  if(NOT QXFOUNDATION_expat_FOUND)
+    message(FATAL_ERROR "expat is missing; scripts/install-deps.sh test installs what the tests need")
+  endif()
+endif()

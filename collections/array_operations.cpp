@@ -3,6 +3,7 @@
 
 #include "collections/added_operations.h"
 #include "collections/membership.h"
+#include "collections/selector_call.h"
 #include "frame/array_storage.h"
 #include "frame/raise.h"
 #include "platform/random_numbers.h"
@@ -11,15 +12,12 @@ namespace qx {
 
 using detail::ArrayStorage;
 using detail::Membership;
+using detail::SelectorCall;
 
 namespace {
 
-PropertyValue perform(const PropertyValue& element, Selector selector) {
-  return detail::performSelectorImpl(element, selector, nullptr, 0);
-}
-
-bool answers(const PropertyValue& element, Selector selector, const PropertyValue& wanted) {
-  const PropertyValue result = perform(element, selector);
+bool answers(const PropertyValue& element, SelectorCall& ask, const PropertyValue& wanted) {
+  const PropertyValue result = ask(element);
   return !result.isNil() && result == wanted;
 }
 
@@ -65,9 +63,9 @@ Ref<MutableArray> subarrayByDifferenceWithArray(In<Array> array, In<Array> other
 Ref<MutableArray> subarrayByPerformingSelector(In<Array> array, SelectorFor<0> selector,
                                                const PropertyValue& equalTo) {
   const PropertyValue wanted = equalTo;
-  return elementsWhere(array, true, [&](const PropertyValue& element) {
-    return answers(element, selector, wanted);
-  });
+  SelectorCall ask(selector);
+  return elementsWhere(array, true,
+                       [&](const PropertyValue& element) { return answers(element, ask, wanted); });
 }
 
 PropertyValue firstObjectByPerformingSelector(In<Array> array, SelectorFor<0> selector,
@@ -75,8 +73,9 @@ PropertyValue firstObjectByPerformingSelector(In<Array> array, SelectorFor<0> se
   if (!array) return {};
   const PropertyValue wanted = equalTo;
   const Ref<Array> held = ArrayStorage::steady(*array);
+  SelectorCall ask(selector);
   for (const PropertyValue& element : *held) {
-    if (answers(element, selector, wanted)) return element;
+    if (answers(element, ask, wanted)) return element;
   }
   return {};
 }
@@ -86,8 +85,9 @@ Ref<MutableArray> arrayByPerformingSelector(In<Array> array, SelectorFor<0> sele
   const Ref<Array> held = ArrayStorage::steady(*array);
   auto results = MutableArray::init();
   Membership known;
+  SelectorCall ask(selector);
   for (const PropertyValue& element : *held) {
-    const PropertyValue result = perform(element, selector);
+    const PropertyValue result = ask(element);
     if (result.isNil() || known.contains(result)) continue;
     results->addObject(result);
     known.add(result);

@@ -7,6 +7,8 @@
 #include <cstdint>
 #include <vector>
 
+#include "frame/hashing.h"
+
 namespace qx::detail {
 
 // Positions are added as 0, 1, 2 ... or in any other order, each once, and are below 2^32 - 1.
@@ -48,8 +50,10 @@ class PositionIndex {
     std::uint32_t next = kEnd;
   };
 
+  // Hashes of the application may differ in a few bits only.
   static std::uint32_t folded(std::size_t hash) {
-    return static_cast<std::uint32_t>(hash ^ (hash >> 32));
+    const std::uint64_t mixed = hashWord(hash);
+    return static_cast<std::uint32_t>(mixed ^ (mixed >> 32));
   }
 
   // The link that names the position; null when there is none.

@@ -23,7 +23,7 @@ class Search {
   explicit Search(const PropertyValue& item) : item_(item) {}
 
   Ref<QXTree> find(const QXTree& top, bool deep) {
-    if (QXTree* found = findNear(const_cast<QXTree*>(&top))) return found;
+    if (Ref<QXTree> found = findNear(const_cast<QXTree*>(&top))) return found;
     while (deep && !levels_.empty()) {
       Level& level = levels_.back();
       if (level.next == level.count) {
@@ -31,7 +31,7 @@ class Search {
         continue;
       }
       const PropertyValue child = level.childs->objectAtIndex(level.next++);
-      if (QXTree* found = findNear(child)) return found;
+      if (Ref<QXTree> found = findNear(child)) return found;
     }
     return nullptr;
   }
@@ -39,16 +39,16 @@ class Search {
  private:
   // The node itself or a child of it. Where there is neither, its subtrees are the next to be
   // searched.
-  QXTree* findNear(const PropertyValue& value) {
+  Ref<QXTree> findNear(const PropertyValue& value) {
     QXTree& node = test_.node(value, "findItem:deep:");
-    if (node.isEqual(item_)) return &node;
+    if (node.isEqual(item_)) return Ref<QXTree>(&node);
     const Ref<MutableArray> childs = node.childs();
     const std::size_t count = childs == nullptr ? 0 : childs->count();
     if (count == 0) return nullptr;
     for (std::size_t i = 0; i < count; ++i) {
       const PropertyValue child = childs->objectAtIndex(i);
       QXTree& near = test_.node(child, "findItem:deep:");
-      if (near.isEqual(item_)) return &near;
+      if (near.isEqual(item_)) return Ref<QXTree>(&near);
     }
     levels_.push_back({value, childs, count, 0});
     watch_.entered(levels_.size(), [this] {

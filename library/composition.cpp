@@ -17,6 +17,10 @@
 #include <QXFoundation/notification_center.h>
 #include <QXFoundation/number.h>
 #include <QXFoundation/pointer_array.h>
+#include <QXFoundation/preferences.h>
+#include <QXFoundation/preferences_array.h>
+#include <QXFoundation/preferences_controller.h>
+#include <QXFoundation/preferences_dictionary.h>
 #include <QXFoundation/process_info.h>
 #include <QXFoundation/qualifier.h>
 #include <QXFoundation/set.h>
@@ -75,6 +79,10 @@ constexpr NamedClass kClasses[] = {
     namedClass<QXFractionNumber>("QXFractionNumber"),
     namedClass<QXSizeFormatter>("QXSizeFormatter"),
     namedClass<QXDataCursor>("QXDataCursor"),
+    namedClass<QXPreferences>("QXPreferences"),
+    namedClass<QXPreferencesArray>("QXPreferencesArray"),
+    namedClass<QXPreferencesDictionary>("QXPreferencesDictionary"),
+    namedClass<QXPreferencesController>("QXPreferencesController"),
     namedClass<CharacterSet>("NSCharacterSet"),
     namedClass<PointerArray>("NSPointerArray"),
     namedClass<QXTree>("QXTree"),

@@ -99,8 +99,9 @@ void KeyColumn::addNumber(std::uint32_t element, const NumericValue& n) {
     is(Kind::inert);
   } else if (n.isFloating()) {
     addReal(element, n.d);
-  } else if (n.kind == NumberKind::decimal ||
-             (n.kind == NumberKind::unsignedInteger && n.u >= kSign)) {
+  } else if (n.kind == NumberKind::unsignedInteger && n.u < kSign) {
+    addInteger(element, static_cast<std::int64_t>(n.u));
+  } else if (n.kind == NumberKind::unsignedInteger || n.kind == NumberKind::decimal) {
     addMixed(element, n);
   } else {
     addInteger(element, n.i);

@@ -5,6 +5,7 @@
 #include "frame/class_record.h"
 
 namespace qx::detail {
+
 KeyReader::KeyReader(Ref<String> key) : key_(std::move(key)), text_(key_) {}
 
 // A large dictionary's shape is its own and may change.

@@ -53,6 +53,7 @@ class Criterion {
 
 std::vector<std::uint32_t> stableOrder(const Array& elements, const Array& orderings) {
   std::vector<Criterion> criteria;
+  criteria.reserve(orderings.count());
   for (std::size_t i = 0; i < orderings.count(); ++i) {
     criteria.emplace_back(elements, *orderingAt(orderings, i));
   }

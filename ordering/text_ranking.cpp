@@ -5,6 +5,8 @@
 #include <cstring>
 #include <span>
 
+#include "frame/unicode.h"
+
 namespace qx::detail {
 namespace {
 
@@ -89,12 +91,20 @@ class TextSorter {
     std::vector<Run> runs;
     order({0, entries_.size()}, runs);
     std::vector<Run> next;
+    // Texts that begin alike are often the same. That is looked at seldom enough to cost little
+    // where it is not so.
+    std::size_t comparesWhole = Keys::kUnits;
     for (std::size_t from = Keys::kUnits; !runs.empty(); from += Keys::kUnits) {
       next.clear();
       for (const Run& run : runs) {
-        readKeys(run, from);
-        order(run, next);
+        if (from == comparesWhole && areSame(run)) {
+          markTied(run);
+        } else {
+          readKeys(run, from);
+          order(run, next);
+        }
       }
+      if (from == comparesWhole) comparesWhole *= 2;
       runs.swap(next);
     }
   }
@@ -111,21 +121,43 @@ class TextSorter {
       if (Keys::goesOn(entries_[start].key)) {
         next.push_back({start, i - start});
       } else {
-        std::fill(tied_.begin() + static_cast<std::ptrdiff_t>(start) + 1,
-                  tied_.begin() + static_cast<std::ptrdiff_t>(i), 1);
+        markTied({start, i - start});
       }
     }
+  }
+
+  void markTied(Run run) {
+    const auto first = tied_.begin() + static_cast<std::ptrdiff_t>(run.first);
+    std::fill(first + 1, first + static_cast<std::ptrdiff_t>(run.count), 1);
+  }
+
+  bool areSame(Run run) const {
+    const TextSpan text = textAt(run.first);
+    const std::size_t end = run.first + run.count;
+    for (std::size_t i = run.first + 1; i < end; ++i) {
+      prefetch(i, end, 0);
+      const TextSpan other = textAt(i);
+      if (other.data != text.data && !equalUnits(other, text)) return false;
+    }
+    return true;
   }
 
   void readKeys(Run run, std::size_t from) {
     const std::size_t end = run.first + run.count;
     for (std::size_t i = run.first; i < end; ++i) {
-      if (i + 2 * kAhead < end) __builtin_prefetch(&texts_[entries_[i + 2 * kAhead].element]);
-      if (i + kAhead < end) {
-        const TextSpan& ahead = texts_[entries_[i + kAhead].element];
-        __builtin_prefetch(ahead.bytes() + (ahead.wide ? 2 * from : from));
-      }
-      entries_[i].key = Keys::of(texts_[entries_[i].element], from, lower_);
+      prefetch(i, end, from);
+      entries_[i].key = Keys::of(textAt(i), from, lower_);
+    }
+  }
+
+  TextSpan textAt(std::size_t entry) const { return texts_[entries_[entry].element]; }
+
+  // Asks for the memory of the texts some entries behind `entry`, from a unit on.
+  void prefetch(std::size_t entry, std::size_t end, std::size_t unit) const {
+    if (entry + 2 * kAhead < end) __builtin_prefetch(&texts_[entries_[entry + 2 * kAhead].element]);
+    if (entry + kAhead < end) {
+      const TextSpan ahead = textAt(entry + kAhead);
+      __builtin_prefetch(ahead.bytes() + (ahead.wide ? 2 * unit : unit));
     }
   }
 

@@ -21,7 +21,7 @@ std::uint64_t leadingKey(TextSpan text, TextForm form);
 
 // Sorts entries whose keys are the leading keys of their elements' texts, and sets `tied` for each
 // entry whose text equals that of the one before. Linear in the length of the texts as far as they
-// are alike.
+// are alike, but for a logarithm.
 void sortTexts(std::vector<SortEntry>& entries, const std::vector<TextSpan>& texts, TextForm form,
                std::vector<unsigned char>& tied);
 

@@ -1,7 +1,6 @@
 #include "platform/file_calls.h"
 
 #include <fcntl.h>
-#include <sys/file.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -37,7 +36,24 @@ ssize_t FileCalls::readlink(const char* path, char* bytes, std::size_t count) {
   return ::readlink(path, bytes, count);
 }
 int FileCalls::mkdir(const char* path, mode_t mode) { return ::mkdir(path, mode); }
-int FileCalls::flock(int file, int operation) { return ::flock(file, operation); }
+
+namespace {
+
+// Locks of open files, not of processes: they stand between threads too, and closing another
+// descriptor of the file does not end them.
+int changeLock(int file, off_t byte, short type) {
+  struct flock lock{};
+  lock.l_type = type;
+  lock.l_whence = SEEK_SET;
+  lock.l_start = byte;
+  lock.l_len = 1;
+  return ::fcntl(file, F_OFD_SETLK, &lock);
+}
+
+}  // namespace
+
+int FileCalls::lockByte(int file, off_t byte) { return changeLock(file, byte, F_WRLCK); }
+int FileCalls::unlockByte(int file, off_t byte) { return changeLock(file, byte, F_UNLCK); }
 
 namespace {
 

@@ -2,7 +2,7 @@
 
 // The system calls by which the library touches files, in one place that tests can replace.
 //
-// Every function is the call of that name: -1 and `errno` on failure. A fake derives from
+// The functions are the calls of their names: -1 and `errno` on failure. A fake derives from
 // FileCalls, overrides what it wants to fail, and stands in for the calls while a ReplacedFileCalls
 // lives.
 
@@ -36,7 +36,10 @@ class FileCalls {
   virtual int linkDescriptor(int file, const char* path);
   virtual ssize_t readlink(const char* path, char* bytes, std::size_t count);
   virtual int mkdir(const char* path, mode_t mode);
-  virtual int flock(int file, int operation);
+  // Takes an exclusive advisory lock on one byte of an open file, without waiting (EAGAIN or EACCES
+  // where another open file has it); gives it back.
+  virtual int lockByte(int file, off_t byte);
+  virtual int unlockByte(int file, off_t byte);
 };
 
 // The calls in use: the system's, or a test's. Thread-safe.

@@ -8,11 +8,14 @@ namespace qx::detail {
 
 // Keeps other processes, and other holders in this one, out while it lives: an advisory lock on a
 // file of its own, which is made when missing and stays. The system gives it back when the process
-// ends, however it ends.
+// ends, however it ends. Who waits comes before one that held it a moment ago and wants it again.
 class FileLock {
  public:
   // Waits until the lock is free, at most that long.
   FileLock(const std::string& path, unsigned milliseconds);
+  FileLock(const FileLock&) = delete;
+  FileLock& operator=(const FileLock&) = delete;
+  ~FileLock();
   bool isHeld() const { return held_; }
 
  private:

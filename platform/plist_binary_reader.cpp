@@ -1,6 +1,5 @@
 // Property lists from their binary form.
 
-#include <algorithm>
 #include <bit>
 #include <cmath>
 #include <cstring>
@@ -15,6 +14,7 @@
 #include "platform/plist_builder.h"
 #include "platform/plist_fault.h"
 #include "platform/plist_limits.h"
+#include "platform/plist_rules.h"
 #include "platform/property_list_io.h"
 
 namespace qx::detail {
@@ -88,25 +88,24 @@ class BinaryReader {
   BinaryReader(std::string_view bytes, PropertyListMutability mutability)
       : table_(bytes),
         builder_(mutability),
-        made_(table_.objectCount(), nullptr),
-        sizes_(table_.objectCount(), kUnread),
+        known_(table_.objectCount(), kUnread),
         unclaimed_(table_.objectBytes()),
-        copiesLeft_(maxCopiedValues(bytes.size())) {}
+        copiesLeft_(maxCopiedValues(bytes.size())),
+        copiedBytesLeft_(maxCopiedBytes(bytes.size())) {}
 
   PropertyValue read() {
     visit(table_.root());
     while (!open_.empty()) advance();
-    if (sizes_[table_.root()] > maxExpandedValues(distinct_)) {
-      failLimit(table_.record(table_.root()).at);
-    }
-    return std::move(values_.front());
+    PropertyValue root = std::move(values_.front());
+    if (sharesContainers_) requireWalkable(root);
+    return root;
   }
 
  private:
-  // What sizes_ says of an object: how many values it is when each occurrence within it counts (or
-  // nearly 2^32, which stands for more), or one of these.
-  static constexpr std::uint32_t kUnread = 0;
-  static constexpr std::uint32_t kOpen = ~std::uint32_t{0};  // it is being read
+  // What known_ says of an object, unless it is the place of what was made of it.
+  static constexpr std::uintptr_t kUnread = 0;
+  static constexpr std::uintptr_t kOpen = 1;      // a container that is being read
+  static constexpr std::uintptr_t kToRepeat = 2;  // read, and to be made again at each reference
 
   // A container that is being read: what belongs to it stands on the stacks from there on.
   struct Open {
@@ -115,20 +114,14 @@ class BinaryReader {
     std::uint64_t next;  // element or entry
     std::size_t firstValue;
     std::size_t firstKey;
-    std::uint64_t size = 1;
-    bool isExpected =
-        false;  // a dictionary of the keys of the one before, which are not on the stack
+    // A dictionary with the keys of the one before at this depth, which are not on the stack.
+    bool isExpected = false;
   };
   // The references to the keys of a dictionary.
   struct Keys {
     const unsigned char* references = nullptr;
     std::uint64_t count = 0;
   };
-
-  [[noreturn]] static void failLimit(std::size_t at) {
-    throw PlistFault{PropertyListErrorCode::limitExceeded,
-                     "objects are referred to so often that the list holds too many values", at};
-  }
 
   // Reads objects of the innermost container until one of them is entered, or the container ends.
   void advance() {
@@ -143,35 +136,39 @@ class BinaryReader {
   }
 
   void visit(std::uint64_t number) {
-    if (made_[number] != nullptr) return addAgain(number);
-    if (sizes_[number] == kOpen) {
-      PlistTable::fail(open_.back().record.at, "a container holds itself");
-    }
+    const std::uintptr_t known = known_[number];
+    if (known > kToRepeat) return addAgain(number);
+    if (known == kOpen) PlistTable::fail(open_.back().record.at, "a container holds itself");
     const PlistRecord r = table_.record(number);
     if (r.isContainer()) {
       open(r, number);
     } else {
-      add(builder_.leaf(makeLeaf(r, number)), 1);
+      values_.push_back(builder_.leaf(makeLeaf(r, number)));
     }
   }
 
-  // Numbers that values hold inline are made at each reference.
+  // Only what is an object of its own is remembered: not the numbers that values hold inline.
   PropertyValue makeLeaf(const PlistRecord& r, std::uint64_t number) {
-    if (sizes_[number] == kUnread) claim(r);
-    sizes_[number] = 1;
+    if (known_[number] == kUnread) claim(r);
     PropertyValue made = leafOf(r);
-    made_[number] = made.object();
+    remember(number, made.object());
     if (builder_.makesMutableLeaves()) owned_.push_back(made);
     return made;
   }
 
+  void remember(std::uint64_t number, Object* made) {
+    known_[number] = made == nullptr ? kToRepeat : reinterpret_cast<std::uintptr_t>(made);
+  }
+  Object* madeOf(std::uint64_t number) const { return reinterpret_cast<Object*>(known_[number]); }
+
   void addAgain(std::uint64_t number) {
+    Object* made = madeOf(number);
+    if (!ObjectAccess::has(*made, kLeaf)) sharesContainers_ = true;
     if (builder_.makesMutableLeaves()) {
-      constexpr std::size_t kBytesOfOneValue = 16;
       const PlistRecord r = table_.record(number);
-      copy(r.size / kBytesOfOneValue, r.at);
+      spend(copiedBytesLeft_, r.size, r.at);
     }
-    add(builder_.leaf(made_[number]), sizes_[number]);
+    values_.push_back(builder_.leaf(made));
   }
 
   void open(const PlistRecord& r, std::uint64_t number) {
@@ -181,12 +178,9 @@ class BinaryReader {
           "containers are nested more than " + std::to_string(kMaxPropertyListDepth) + " deep",
           r.at};
     }
-    if (sizes_[number] == kUnread) {
-      claim(r);
-      distinct_ += r.count;
-    }
-    if (builder_.makesMutableContainers()) copy(r.referenceCount() + 1, r.at);
-    sizes_[number] = kOpen;
+    if (known_[number] == kUnread) claim(r);
+    if (builder_.makesMutableContainers()) spend(copiesLeft_, r.referenceCount() + 1, r.at);
+    known_[number] = kOpen;
     open_.push_back({r, number, 0, values_.size(), keys_.size()});
     if (r.kind() == kPlistDictionary) readKeys();
   }
@@ -205,18 +199,18 @@ class BinaryReader {
   }
 
   Ref<String> key(std::uint64_t number, const PlistRecord& dictionary) {
-    if (made_[number] == nullptr) {
+    if (known_[number] <= kToRepeat) {
       const PlistRecord r = table_.record(number);
       if (!r.isText()) PlistTable::fail(dictionary.at, "a key of a dictionary is no string");
       const PropertyValue made = makeLeaf(r, number);
       Ref<String> shared = builder_.key(static_cast<String*>(made.object()));
-      made_[number] = shared.get();
+      remember(number, shared.get());
       return shared;
     }
-    if (ObjectAccess::kind(*made_[number]) != ObjectKind::string) {
+    if (ObjectAccess::kind(*madeOf(number)) != ObjectKind::string) {
       PlistTable::fail(dictionary.at, "a key of a dictionary is no string");
     }
-    return static_cast<String*>(made_[number]);
+    return static_cast<String*>(madeOf(number));
   }
 
   void close() {
@@ -227,15 +221,15 @@ class BinaryReader {
             : dictionary(o);
     values_.resize(o.firstValue);
     open_.pop_back();
-    sizes_[o.number] = static_cast<std::uint32_t>(std::min<std::uint64_t>(o.size, kOpen - 1));
-    if (!builder_.makesMutableContainers()) made_[o.number] = made.object();
-    add(std::move(made), sizes_[o.number]);
+    remember(o.number, builder_.makesMutableContainers() ? nullptr : made.object());
+    values_.push_back(std::move(made));
   }
 
   PropertyValue dictionary(const Open& o) {
+    PropertyValue* values = values_.data() + o.firstValue;
+    if (o.isExpected) return builder_.expectedDictionary(open_.size(), values);
     const Ref<String>* keys = keys_.data() + o.firstKey;
-    PropertyValue d =
-        builder_.dictionary(open_.size(), keys, values_.data() + o.firstValue, o.record.count);
+    PropertyValue d = builder_.dictionary(open_.size(), keys, values, o.record.count);
     if (d.isNil()) {
       const Ref<String>& repeated = keys[firstRepeatedKey(keys, o.record.count)];
       PlistTable::fail(o.record.at,
@@ -243,11 +237,6 @@ class BinaryReader {
     }
     keys_.resize(o.firstKey);
     return d;
-  }
-
-  void add(PropertyValue v, std::uint64_t size) {
-    values_.push_back(std::move(v));
-    if (!open_.empty()) open_.back().size += size;
   }
 
   // Each byte is part of one object alone: otherwise a short list could hold long objects without
@@ -258,25 +247,37 @@ class BinaryReader {
     unclaimed_ -= bytes;
   }
 
-  void copy(std::uint64_t values, std::size_t at) {
-    if (values > copiesLeft_) failLimit(at);
-    copiesLeft_ -= values;
+  static void spend(std::uint64_t& left, std::uint64_t amount, std::size_t at) {
+    if (amount > left) {
+      throw PlistFault{PropertyListErrorCode::limitExceeded,
+                       "objects are referred to so often that the list holds too many values", at};
+    }
+    left -= amount;
+  }
+
+  // Shared containers may make a list deeper and larger than any object was when it was read.
+  void requireWalkable(const PropertyValue& root) const {
+    try {
+      requireBounded(root);
+    } catch (PlistFault& fault) {
+      fault.byte = table_.record(table_.root()).at;
+      throw;
+    }
   }
 
   PlistTable table_;
   PlistBuilder builder_;
-  // By number: leaves that are objects, and containers unless they are mutable. Borrowed: nothing
-  // that was made is given up before all is read.
-  std::vector<Object*> made_;
+  // By number. What was made is borrowed: none of it is given up before all is read.
+  std::vector<std::uintptr_t> known_;
   std::vector<PropertyValue> owned_;  // leaves that stand in the list as copies alone
-  std::vector<std::uint32_t> sizes_;
   std::vector<Open> open_;
   std::vector<PropertyValue> values_;
   std::vector<Ref<String>> keys_;
   std::vector<Keys> lastKeys_;  // by depth
-  std::uint64_t unclaimed_;
+  std::uint64_t unclaimed_;     // bytes
   std::uint64_t copiesLeft_;
-  std::uint64_t distinct_ = 1;  // values, those of each container counted once
+  std::uint64_t copiedBytesLeft_;
+  bool sharesContainers_ = false;
 };
 
 }  // namespace

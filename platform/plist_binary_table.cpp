@@ -49,19 +49,14 @@ PlistTable::PlistTable(std::string_view bytes)
   }
   if (root_ >= objectCount_) fail(trailer_ + 16, "the root is none of the objects");
   if (objectCount_ > kMaxPlistObjects) failUnsupported(trailer_ + 8, "there are too many objects");
+  unitWidths_[kPlistData] = unitWidths_[kPlistAscii] = 1;
+  unitWidths_[kPlistUtf16] = 2;
+  unitWidths_[kPlistArray] = referenceWidth_;
+  unitWidths_[kPlistDictionary] = 2 * referenceWidth_;
 }
 
-std::uint64_t PlistTable::offset(std::uint64_t number) const {
-  const std::size_t at = table_ + number * offsetWidth_;
-  const std::uint64_t place = bigEndian(bytes_ + at, offsetWidth_);
-  if (place < kPlistMagic.size() || place >= table_) fail(at, "an object is not within the list");
-  return place;
-}
-
-void PlistTable::readCount(PlistRecord& r) const {
-  r.count = r.marker & 15U;
-  const bool hasLongSize = r.kind() == kPlistData || r.isText() || r.isContainer();
-  if (r.count != kPlistLongSize || !hasLongSize) return;
+void PlistTable::readLongCount(PlistRecord& r) const {
+  if (unitWidths_[r.kind()] == 0) return;
   const std::size_t left = table_ - r.at - 1;
   if (left == 0 || r.bytes[0] >> 4 != kPlistInteger) fail(r.at, "the size of an object is missing");
   const unsigned power = r.bytes[0] & 15U;
@@ -72,22 +67,8 @@ void PlistTable::readCount(PlistRecord& r) const {
   r.bytes += 1 + width;
 }
 
-// Counts are checked against what is there before they are multiplied.
-std::uint64_t PlistTable::contentSize(const PlistRecord& r) const {
-  const std::uint64_t left = table_ - static_cast<std::uint64_t>(r.bytes - bytes_);
-  const auto times = [&](std::uint64_t width) {
-    return r.count > left / width ? left + 1 : r.count * width;
-  };
+std::uint64_t PlistTable::sizeWithoutCount(const PlistRecord& r) {
   switch (r.kind()) {
-    case kPlistData:
-    case kPlistAscii:
-      return r.count;
-    case kPlistUtf16:
-      return times(2);
-    case kPlistArray:
-      return times(referenceWidth_);
-    case kPlistDictionary:
-      return times(2 * referenceWidth_);
     case kPlistInteger:
       if (r.count > 4) fail(r.at, "an integer is wider than 16 bytes");
       return std::uint64_t{1} << r.count;
@@ -104,18 +85,8 @@ std::uint64_t PlistTable::contentSize(const PlistRecord& r) const {
   failUnsupported(r.at, "an object is of a kind that is not known");
 }
 
-PlistRecord PlistTable::record(std::uint64_t number) const {
-  PlistRecord r{};
-  r.at = offset(number);
-  r.marker = bytes_[r.at];
-  r.bytes = bytes_ + r.at + 1;
-  readCount(r);
-  const std::uint64_t size = contentSize(r);
-  if (size > table_ - static_cast<std::uint64_t>(r.bytes - bytes_)) {
-    fail(r.at, "an object reaches beyond the objects");
-  }
-  r.size = size;
-  return r;
+void PlistTable::failEnd(const PlistRecord& r) {
+  fail(r.at, "an object reaches beyond the objects");
 }
 
 void PlistTable::failReference(const unsigned char* from) const {

@@ -3,6 +3,7 @@
 // The frame of a binary property list: trailer, table and objects as runs of bytes, each checked
 // before it is used.
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -39,7 +40,25 @@ class PlistTable {
   const unsigned char* at(std::size_t offset) const { return bytes_ + offset; }
 
   // The object, all of whose bytes lie before the table. Precondition: number < objectCount().
-  PlistRecord record(std::uint64_t number) const;
+  PlistRecord record(std::uint64_t number) const {
+    PlistRecord r{};
+    r.at = offset(number);
+    r.bytes = bytes_ + r.at;
+    r.marker = *r.bytes++;
+    r.count = r.marker & 15U;
+    if (r.count == kPlistLongSize) readLongCount(r);
+    const std::uint64_t left = table_ - static_cast<std::uint64_t>(r.bytes - bytes_);
+    const std::uint64_t width = unitWidths_[r.kind()];
+    // Counts are checked against what is there before they are multiplied, by 16 at most.
+    if (width == 0) {
+      r.size = sizeWithoutCount(r);
+    } else {
+      if (r.count > left) failEnd(r);
+      r.size = r.count * width;
+    }
+    if (r.size > left) failEnd(r);
+    return r;
+  }
   // The reference at that position behind a container's count; it names an object that is there.
   std::uint64_t reference(const PlistRecord& container, std::uint64_t position) const {
     const unsigned char* const from = container.bytes + position * referenceWidth_;
@@ -53,11 +72,18 @@ class PlistTable {
   [[noreturn]] static void fail(std::size_t at, std::string reason);
 
  private:
+  std::uint64_t offset(std::uint64_t number) const {
+    const std::size_t at = table_ + number * offsetWidth_;
+    const std::uint64_t place = bigEndian(bytes_ + at, offsetWidth_);
+    if (place < kPlistMagic.size() || place >= table_) fail(at, "an object is not within the list");
+    return place;
+  }
   [[noreturn]] void failReference(const unsigned char* from) const;
-  std::uint64_t offset(std::uint64_t number) const;
-  // Bytes of an object whose marker and count were read; fails for kinds that are not known.
-  std::uint64_t contentSize(const PlistRecord& r) const;
-  void readCount(PlistRecord& r) const;
+  [[noreturn]] static void failEnd(const PlistRecord& r);
+  // Reads the count that stands behind the marker, for kinds that have one.
+  void readLongCount(PlistRecord& r) const;
+  // Of kinds that have no count; fails for those that are not known.
+  static std::uint64_t sizeWithoutCount(const PlistRecord& r);
 
   const unsigned char* bytes_;
   std::size_t trailer_ = 0;
@@ -66,6 +92,7 @@ class PlistTable {
   std::uint64_t objectCount_ = 0;
   std::uint64_t root_ = 0;
   std::uint64_t table_ = 0;
+  std::array<std::uint64_t, 16> unitWidths_{};  // by kind; 0 for kinds without a count
 };
 
 }  // namespace qx::detail

@@ -14,8 +14,7 @@
 
 namespace qx::detail {
 
-PropertyValue PlistBuilder::leaf(PropertyValue immutable) const {
-  if (!makesMutableLeaves()) return immutable;
+PropertyValue PlistBuilder::mutableLeaf(const PropertyValue& immutable) {
   if (const auto* s = immutable.isString() ? immutable.peek<String>() : nullptr) {
     return MutableString::from(*s);
   }

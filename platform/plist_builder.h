@@ -26,7 +26,10 @@ class PlistBuilder {
   }
 
   // A leaf as it stands in the list: the immutable one itself, or its mutable copy.
-  PropertyValue leaf(PropertyValue immutable) const;
+  PropertyValue leaf(PropertyValue immutable) const {
+    if (makesMutableLeaves()) return mutableLeaf(immutable);
+    return immutable;
+  }
   // Takes the values.
   PropertyValue array(PropertyValue* values, std::size_t count) const;
   // Takes the values; nil when two keys are equal. `depth` is the dictionary's own: dictionaries of
@@ -46,6 +49,7 @@ class PlistBuilder {
   Ref<String> key(Ref<String> made);
 
  private:
+  static PropertyValue mutableLeaf(const PropertyValue& immutable);
   std::size_t find(std::uint32_t hash, TextSpan text) const;
 
   PropertyListMutability mutability_;

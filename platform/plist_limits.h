@@ -15,8 +15,12 @@ inline std::uint64_t maxExpandedValues(std::uint64_t distinct) {
 }
 
 // How many values may be made of so many bytes where each occurrence is an object of its own, as in
-// a mutable list.
+// a mutable list; and how many bytes of strings and data that stand in the list once and are
+// copied.
 inline std::uint64_t maxCopiedValues(std::uint64_t bytes) { return 4096 + 2 * bytes; }
+inline std::uint64_t maxCopiedBytes(std::uint64_t bytes) {
+  return (std::uint64_t{1} << 24) + 16 * bytes;
+}
 
 // Objects of a binary list are numbered with 32 bits.
 inline constexpr std::uint64_t kMaxPlistObjects = 0xFFFFFFF0U;

@@ -21,14 +21,20 @@ std::string hexadecimal(char32_t c) {
 
 bool isXmlControl(char32_t c) { return c < 0x20 && !isXmlSpace(static_cast<unsigned char>(c)); }
 
-// Visits what is to be written and does nothing but refuse.
-class Check {
+// Visits each container once, and accepts all.
+struct Passage {
+  void open(const Object&) {}
+  void close(const Object&) {}
+  void key(const String&) {}
+  void scalar(const PropertyValue&) {}
+  bool again() { return true; }
+};
+
+// Refuses what can not be written.
+class Check : public Passage {
  public:
   explicit Check(PropertyListFormat format) : format_(format) {}
 
-  void open(const Object&) {}
-  void close(const Object&) {}
-  bool again() { return true; }
   void key(const String& key) { requireWritableText(StringStorage::span(key), format_); }
   void scalar(const PropertyValue& v) {
     if (v.isString()) {
@@ -89,6 +95,11 @@ void requireWritableDate(double secondsSince1970, PropertyListFormat format) {
   if (format == PropertyListFormat::xml && !isPlistDate(secondsSince1970)) {
     refuseUnwritable("a date is beyond the years 1 to 9999 of the XML format");
   }
+}
+
+void requireBounded(const PropertyValue& root) {
+  Passage passage;
+  walkPlist(root, passage);
 }
 
 void requireWritable(const PropertyValue& root, PropertyListFormat format) {

@@ -26,6 +26,10 @@ NumericValue writableNumber(const PropertyValue& value);
 void requireWritableText(TextSpan text, PropertyListFormat format);
 void requireWritableDate(double secondsSince1970, PropertyListFormat format);
 
+// Refuses a value whose containers hold each other so often, or so deep, that no walk should go
+// through it; asks for nothing else. Throws a PlistFault.
+void requireBounded(const PropertyValue& root);
+
 // Goes through the whole value without writing it. Throws a PlistFault.
 void requireWritable(const PropertyValue& root, PropertyListFormat format);
 

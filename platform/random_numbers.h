@@ -2,6 +2,8 @@
 
 // The system's random numbers, in one place that tests can replace.
 
+#include "platform/replaceable.h"
+
 namespace qx::detail {
 
 class RandomNumbers {
@@ -17,19 +19,7 @@ class RandomNumbers {
   virtual long next();
 };
 
-// The numbers in use: the system's, or a test's. Thread-safe.
-RandomNumbers& randomNumbers();
-
-// Puts `numbers` in place of the system's while it lives; for tests.
-class ReplacedRandomNumbers {
- public:
-  explicit ReplacedRandomNumbers(RandomNumbers& numbers);
-  ReplacedRandomNumbers(const ReplacedRandomNumbers&) = delete;
-  ReplacedRandomNumbers& operator=(const ReplacedRandomNumbers&) = delete;
-  ~ReplacedRandomNumbers();
-
- private:
-  RandomNumbers* before_;
-};
+inline RandomNumbers& randomNumbers() { return Replaceable<RandomNumbers>::inUse(); }
+using ReplacedRandomNumbers = Replaceable<RandomNumbers>::Replacement;
 
 }  // namespace qx::detail

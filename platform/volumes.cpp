@@ -3,7 +3,6 @@
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
 
-#include <atomic>
 #include <charconv>
 #include <filesystem>
 #include <fstream>
@@ -11,8 +10,6 @@
 
 namespace qx::detail {
 namespace {
-
-std::atomic<VolumeSystem*> replacement{nullptr};
 
 // Takes the text up to the next mark off the front; what follows the mark remains.
 std::string_view takeUntil(std::string_view& text, char mark) {
@@ -118,18 +115,6 @@ std::string VolumeSystem::currentDirectory() {
   std::error_code error;
   const std::filesystem::path directory = std::filesystem::current_path(error);
   return error ? std::string() : directory.native();
-}
-
-VolumeSystem& volumeSystem() {
-  static auto* real = new VolumeSystem;  // never destroyed: it serves static destruction too
-  VolumeSystem* system = replacement.load(std::memory_order_acquire);
-  return system != nullptr ? *system : *real;
-}
-
-ReplacedVolumeSystem::ReplacedVolumeSystem(VolumeSystem& system)
-    : before_(replacement.exchange(&system, std::memory_order_acq_rel)) {}
-ReplacedVolumeSystem::~ReplacedVolumeSystem() {
-  replacement.store(before_, std::memory_order_release);
 }
 
 // Of two volumes at one place the later covers the earlier.

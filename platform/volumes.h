@@ -7,6 +7,8 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/replaceable.h"
+
 namespace qx::detail {
 
 // A line of the system's mount table.
@@ -40,20 +42,8 @@ class VolumeSystem {
   virtual std::string currentDirectory();
 };
 
-// The one in use: the system's, or a test's. Thread-safe.
-VolumeSystem& volumeSystem();
-
-// Puts `system` in place of the real one while it lives; for tests.
-class ReplacedVolumeSystem {
- public:
-  explicit ReplacedVolumeSystem(VolumeSystem& system);
-  ReplacedVolumeSystem(const ReplacedVolumeSystem&) = delete;
-  ReplacedVolumeSystem& operator=(const ReplacedVolumeSystem&) = delete;
-  ~ReplacedVolumeSystem();
-
- private:
-  VolumeSystem* before_;
-};
+inline VolumeSystem& volumeSystem() { return Replaceable<VolumeSystem>::inUse(); }
+using ReplacedVolumeSystem = Replaceable<VolumeSystem>::Replacement;
 
 // A path's volume.
 struct VolumeOfPath {

@@ -9,10 +9,11 @@
 #   ci      all of these, the second compiler with its sanitizers and fuzz engine, and the formatter
 set -euo pipefail
 
-build=(g++ cmake ninja-build ccache pkg-config libutf8proc-dev libfmt-dev libexpat1-dev liburiparser-dev
+build=(g++ cmake ninja-build ccache pkg-config libutf8proc-dev libfmt-dev liburiparser-dev
   libboost-dev libcli11-dev nlohmann-json3-dev)
-test=(libgtest-dev libgmock-dev python3 binutils libplist-utils)
-bench=(libbenchmark-dev libplist-dev libabsl-dev libsqlite3-dev qtbase5-dev libglib2.0-dev)
+test=(libgtest-dev libgmock-dev python3 binutils libexpat1-dev libplist-utils tzdata)
+bench=(libbenchmark-dev libplist-dev libabsl-dev libsqlite3-dev qtbase5-dev libglib2.0-dev
+  libhowardhinnant-date-dev)
 ci=(clang-19 libclang-rt-19-dev llvm-19 clang-format-19 util-linux)
 
 usage() {

@@ -32,6 +32,12 @@
 #include <QXFoundation/object.h>
 #include <QXFoundation/pointer_array.h>
 #include <QXFoundation/pointer_array_operations.h>
+#include <QXFoundation/preference_key.h>
+#include <QXFoundation/preferences.h>
+#include <QXFoundation/preferences_array.h>
+#include <QXFoundation/preferences_controller.h>
+#include <QXFoundation/preferences_dictionary.h>
+#include <QXFoundation/preferences_link.h>
 #include <QXFoundation/process_info.h>
 #include <QXFoundation/property_list.h>
 #include <QXFoundation/property_value.h>

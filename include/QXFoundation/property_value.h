@@ -21,12 +21,19 @@
 
 namespace qx {
 
+namespace detail {
+struct WordAccess;
+template <class T>
+concept Floating = std::same_as<T, float> || std::same_as<T, double>;
+template <class T>
+concept Character = std::same_as<T, char> || std::same_as<T, wchar_t> || std::same_as<T, char8_t> ||
+                    std::same_as<T, char16_t> || std::same_as<T, char32_t>;
+}  // namespace detail
+
 // The integers that become numbers: not bool, not the character types.
 template <class T>
 concept Integer =
-    std::integral<T> && sizeof(T) <= 8 && !std::same_as<T, bool> && !std::same_as<T, char> &&
-    !std::same_as<T, wchar_t> && !std::same_as<T, char8_t> && !std::same_as<T, char16_t> &&
-    !std::same_as<T, char32_t>;
+    std::integral<T> && sizeof(T) <= 8 && !std::same_as<T, bool> && !detail::Character<T>;
 
 // What a number remembers of how it was made.
 enum class NumberKind : std::uint8_t {
@@ -37,12 +44,6 @@ enum class NumberKind : std::uint8_t {
   real,
   decimal
 };
-
-namespace detail {
-struct WordAccess;
-template <class T>
-concept Floating = std::same_as<T, float> || std::same_as<T, double>;
-}  // namespace detail
 
 // A value or nil. Copies share objects (reference semantics for containers). `==` is value
 // equality, `isSame` identity. As thread-safe as what it holds; one PropertyValue variable belongs
@@ -87,7 +88,7 @@ class PropertyValue {
     adoptObject(object.leak());
   }
   template <class T>
-    requires(!Utf8Text<T*>) && std::is_base_of_v<Object, T>
+    requires(!Utf8Text<T*>) && std::is_base_of_v<Object, T> && (!std::is_const_v<T>)
   PropertyValue(T* object) {
     setObject(object);
   }
@@ -97,9 +98,11 @@ class PropertyValue {
   template <std::same_as<Class> C>
   PropertyValue(const C* cls) : PropertyValue(const_cast<C*>(cls)) {}
   template <class T>
-    requires(!Utf8Text<T*>) && (!std::is_base_of_v<Object, T>)
-  PropertyValue(T*) = delete;           // not an Object: no pointer becomes a bool or a number
-  PropertyValue(char) = delete;         // say "c" (text) or int{c} (number)
+    requires(!Utf8Text<T*>) && (!std::is_base_of_v<Object, T> || std::is_const_v<T>)
+  PropertyValue(T*) =
+      delete;  // not an Object that may change: no pointer becomes a bool or a number
+  template <detail::Character C>
+  PropertyValue(C) = delete;            // say "c" (text) or int{c} (number)
   PropertyValue(long double) = delete;  // say double(x)
 
   PropertyValue(const PropertyValue& v) noexcept : word_(v.word_) {

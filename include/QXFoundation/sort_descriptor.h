@@ -15,7 +15,7 @@ namespace qx {
 // overriding `compareObject`.
 class QX_EXPORT SortDescriptor : public Object {
  public:
-  // What other than by `compareObject` alone describes an order: nil key, ascending, "compare:".
+  // By the objects themselves, ascending, with "compare:".
   SortDescriptor();
   SortDescriptor(StringArg key, bool ascending, Selector selector);
 

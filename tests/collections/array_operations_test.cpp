@@ -11,14 +11,11 @@ namespace {
 using qx::array;
 using qx::PropertyValue;
 using samples::arrayOf;
+using samples::containsPlainly;
 using samples::randomValues;
 using samples::sameObjects;
 using samples::Values;
 
-// The definition: an element of the array is asked, one after the other.
-bool containsPlainly(const Values& array, const PropertyValue& v) {
-  return std::any_of(array.begin(), array.end(), [&](const auto& e) { return e == v; });
-}
 Values keptPlainly(const Values& array, const Values& other, bool wanted) {
   Values kept;
   for (const auto& e : array) {

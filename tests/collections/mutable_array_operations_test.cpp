@@ -11,14 +11,11 @@ namespace {
 using qx::array;
 using qx::PropertyValue;
 using samples::arrayOf;
+using samples::containsPlainly;
 using samples::mutableArrayOf;
 using samples::randomValues;
 using samples::sameObjects;
 using samples::Values;
-
-bool containsPlainly(const Values& array, const PropertyValue& v) {
-  return std::any_of(array.begin(), array.end(), [&](const auto& e) { return e == v; });
-}
 
 // An array that notes what is done to it through the primitives.
 class NotingArray : public qx::MutableArray {

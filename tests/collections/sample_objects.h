@@ -2,6 +2,7 @@
 
 // Objects with every kind of equality, and random arrays with many equal elements.
 
+#include <algorithm>
 #include <ostream>
 #include <random>
 #include <string>
@@ -69,6 +70,11 @@ inline qx::Ref<qx::Array> arrayOf(const Values& values) {
 }
 inline qx::Ref<qx::MutableArray> mutableArrayOf(const Values& values) {
   return qx::MutableArray::from(values.data(), values.size());
+}
+
+// The definition of containing: the elements are asked one after the other.
+inline bool containsPlainly(const Values& array, const qx::PropertyValue& v) {
+  return std::any_of(array.begin(), array.end(), [&](const auto& e) { return e == v; });
 }
 
 // The same objects in the same order.

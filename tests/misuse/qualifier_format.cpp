@@ -30,14 +30,12 @@ void f() { (void)qx::qualifierWithQualifierFormat("age > %d and name like %@", 1
 #endif
 
 #if MISUSE == 2
-// EXPECT-ERROR(unknown conversion):
-// unknown_conversion_write_percent_at_or_d_or_f_or_s_or_double_percent
+// EXPECT-ERROR(unknown conversion): unknown_conversion_write_percent_at_or_d_or_f_or_s_or_double_percent
 void f() { (void)qx::qualifierWithQualifierFormat("age > %i", 1); }
 #endif
 
 #if MISUSE == 3
-// EXPECT-ERROR(percent at the end):
-// unknown_conversion_write_percent_at_or_d_or_f_or_s_or_double_percent
+// EXPECT-ERROR(percent at the end): unknown_conversion_write_percent_at_or_d_or_f_or_s_or_double_percent
 void f() { (void)qx::QXQualifier::qualifierWithQualifierFormat("share > 50%"); }
 #endif
 
@@ -52,8 +50,7 @@ void f() { (void)qx::qualifierWithQualifierFormat("adult = %d", true); }
 #endif
 
 #if MISUSE == 6
-// EXPECT-ERROR(integer for a float):
-// percent_f_takes_a_floating_point_number_use_percent_d_for_integers
+// EXPECT-ERROR(integer for a float): percent_f_takes_a_floating_point_number_use_percent_d_for_integers
 void f() { (void)qx::qualifierWithQualifierFormat("score > %f", 1); }
 #endif
 
@@ -63,20 +60,17 @@ void f(const qx::Ref<qx::Array>& a) { (void)qx::qualifierWithQualifierFormat("ci
 #endif
 
 #if MISUSE == 8
-// EXPECT-ERROR(a string as format): a format that is no literal is written
-// qx::runtimeFormat\(text\)
+// EXPECT-ERROR(a string as format): a format that is no literal is written qx::runtimeFormat\(text\)
 void f(const std::string& text) { (void)qx::qualifierWithQualifierFormat(text, 1); }
 #endif
 
 #if MISUSE == 9
-// EXPECT-ERROR(a pointer as format): a format that is no literal is written
-// qx::runtimeFormat\(text\)
+// EXPECT-ERROR(a pointer as format): a format that is no literal is written qx::runtimeFormat\(text\)
 void f(const char* text) { (void)qx::QXQualifier::qualifierWithQualifierFormat(text); }
 #endif
 
 #if MISUSE == 10
-// EXPECT-ERROR(an array as format): a format that is no literal is written
-// qx::runtimeFormat\(text\)
+// EXPECT-ERROR(an array as format): a format that is no literal is written qx::runtimeFormat\(text\)
 void f() {
   char text[] = "a = b";
   (void)qx::qualifierWithQualifierFormat(text);
@@ -84,26 +78,22 @@ void f() {
 #endif
 
 #if MISUSE == 11
-// EXPECT-ERROR(a String as format): a format that is no literal is written
-// qx::runtimeFormat\(text\)
+// EXPECT-ERROR(a String as format): a format that is no literal is written qx::runtimeFormat\(text\)
 void f(const qx::Ref<qx::String>& text) { (void)qx::qualifierWithQualifierFormat(text); }
 #endif
 
 #if MISUSE == 12
-// EXPECT-ERROR(a char as argument): an argument of a qualifier format is a bool, a number, text,
-// nil
+// EXPECT-ERROR(a char as argument): an argument of a qualifier format is a bool, a number, text, nil
 void f() { (void)qx::qualifierWithQualifierFormat("initial = %@", 'J'); }
 #endif
 
 #if MISUSE == 13
-// EXPECT-ERROR(a pointer to anything as argument): an argument of a qualifier format is a bool, a
-// number, text, nil
+// EXPECT-ERROR(a pointer to anything as argument): an argument of a qualifier format is a bool, a number, text, nil
 void f(int* p) { (void)qx::qualifierWithQualifierFormat("a = %@", p); }
 #endif
 
 #if MISUSE == 14
-// EXPECT-ERROR(a container of the standard library as argument): an argument of a qualifier format
-// is a bool, a number
+// EXPECT-ERROR(a container of the standard library as argument): an argument of a qualifier format is a bool, a number
 void f() { (void)qx::qualifierWithQualifierFormat("a contains %@", std::vector<int>{1}); }
 #endif
 
@@ -118,13 +108,11 @@ void f() { (void)qx::QXKeyValueQualifier::initWithKey("age", "isLessThan", 3); }
 #endif
 
 #if MISUSE == 17
-// EXPECT-ERROR(no qualifier among the members): no matching function for call to
-// .*initWithQualifiers
+// EXPECT-ERROR(no qualifier among the members): no matching function for call to .*initWithQualifiers
 void f() { (void)qx::QXAndQualifier::initWithQualifiers("age > 3"); }
 #endif
 
 #if MISUSE == 18
-// EXPECT-ERROR(a type that is not described): declare  void describe\(qx::ClassBuilder<T>&\) beside
-// T
+// EXPECT-ERROR(a type that is not described): declare  void describe\(qx::ClassBuilder<T>&\)  beside T
 void f() { qx::Matching<NotDescribed> m(nullptr); }
 #endif

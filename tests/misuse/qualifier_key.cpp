@@ -9,16 +9,14 @@ void surroundings(const qx::PropertyValue& object) {
 }
 
 #if MISUSE == 1
-// EXPECT-ERROR(as a condition): a qualifier expression is no condition: nothing is compared yet;
-// ask evaluateWithObject
+// EXPECT-ERROR(as a condition): a qualifier expression is no condition: nothing is compared yet; ask evaluateWithObject
 void f() {
   if (qx::key("age") > 30) return;
 }
 #endif
 
 #if MISUSE == 2
-// EXPECT-ERROR(with a bool): a qualifier expression is no condition: nothing is compared yet; ask
-// evaluateWithObject
+// EXPECT-ERROR(with a bool): a qualifier expression is no condition: nothing is compared yet; ask evaluateWithObject
 bool f(bool other) { return qx::key("age") > 30 && other; }
 #endif
 
@@ -28,8 +26,7 @@ auto f() { return qx::key("adult") && qx::key("age") > 30; }
 #endif
 
 #if MISUSE == 4
-// EXPECT-ERROR(a key negated): a key alone is no qualifier: compare it, as in key\("adult"\) ==
-// true
+// EXPECT-ERROR(a key negated): a key alone is no qualifier: compare it, as in key\("adult"\) == true
 auto f() { return !qx::key("adult"); }
 #endif
 

@@ -91,6 +91,17 @@ std::vector<Kind> kinds() {
       {"short texts", [](Random& r) { return qx::PropertyValue(textOf(r, 3, "abAB")); }},
       {"texts that begin alike",
        [](Random& r) { return qx::PropertyValue("customer-number-" + textOf(r, 9, "01")); }},
+      {"long texts that are nearly all the same",
+       [](Random& r) {
+         return qx::PropertyValue(std::string(200, 'x') +
+                                  (below(r, 50) == 0 ? textOf(r, 3, "ab") : ""));
+       }},
+      {"few texts, each one object",
+       [](Random& r) -> qx::PropertyValue {
+         static const auto* texts =
+             new std::vector<qx::PropertyValue>{"Aachen", "Bad Doberan", "Bad Dürrenberg"};
+         return (*texts)[below(r, texts->size())];
+       }},
       {"texts of one letter",
        [](Random& r) { return qx::PropertyValue(std::string(below(r, 40), 'x')); }},
       {"texts with NUL",

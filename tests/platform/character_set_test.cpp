@@ -4,8 +4,10 @@
 
 #include <random>
 
-#include <QXFoundation/QXFoundation.h>
 #include <QXFoundation/character_set.h>
+#include <QXFoundation/class.h>
+#include <QXFoundation/exception.h>
+#include <QXFoundation/selector.h>
 
 #include "frame/unicode.h"
 

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include <QXFoundation/QXFoundation.h>
+#include <QXFoundation/class_builder.h>
 #include <QXFoundation/exception.h>
 #include <QXFoundation/pointer_array.h>
 #include <QXFoundation/selector.h>

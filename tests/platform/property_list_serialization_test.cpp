@@ -222,6 +222,38 @@ TEST(PropertyListSerialization, MutabilityIsAsAskedFor) {
   }
 }
 
+// Readers expect that a dictionary looks like the one before it; none of these does.
+TEST(PropertyListSerialization, DictionariesThatDifferFromTheOneBeforeAreRead) {
+  const std::vector<std::vector<const char*>> kKeys = {
+      {"a", "b"},        {"a", "b"},        {"a"},
+      {"a", "b", "c"},   {"a", "c", "b"},   {},
+      {"b", "a"},        {"\xC3\xA9", "a"}, {"\xC3\xA9"},
+      {"\xC3\xA9", "b"}, {"\xE2\x82\xAC"},  {"\xC3\x83\xC2\xA9"}};
+  const auto list = MutableArray::init();
+  for (const auto& keys : kKeys) {
+    const auto d = MutableDictionary::init();
+    for (const char* const key : keys) {
+      d->setObject(dict({{key, 1}, {"x", dict({{"a", 1}})}}), key);
+    }
+    list->addObject(d);
+    const auto large = MutableDictionary::init();
+    for (int i = 0; i < 20; ++i) large->setObject(i, std::to_string(i));
+    list->addObject(large);
+    list->addObject(dict({{"a", 1}, {"b", 2}}));
+  }
+  for (const auto format : kFormats) {
+    const std::string bytes = plist::writingOf(list, format);
+    for (const auto mutability :
+         {PropertyListMutability::immutable, PropertyListMutability::mutableContainers}) {
+      EXPECT_EQ(plist::dump(plist::readBytes(bytes, mutability).value), plist::dump(list));
+    }
+  }
+  const std::string first = "<plist><array><dict><key>a</key><true/><key>b</key><true/></dict>";
+  EXPECT_EQ(plist::readingOf(first + "\n<dict><key>a</key><true/>\n<key>a</key><true/></dict>")
+                .substr(0, 58),
+            "2 The property list can not be read: line 3, column 1: the");
+}
+
 TEST(PropertyListSerialization, MutableLeavesAreApart) {
   const std::string bytes = plist::writingOf(array("x", "x"), PropertyListFormat::binary);
   const auto list =

@@ -1,7 +1,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <stdlib.h>
-#include <sys/file.h>
 #include <sys/stat.h>
 
 #include <atomic>
@@ -209,7 +208,7 @@ TEST_F(UserDefaultsFile, TriesAgainWhatCouldNotBeSaved) {
   const auto defaults = open();
   defaults->setObject(2, "a");
   const std::string before = readBytes(path);
-  for (const char* call : {"write", "fsync", "rename", "flock", "read"}) {
+  for (const char* call : {"write", "fsync", "rename", "lockByte", "read"}) {
     FailingFileCalls calls(call, 0, EIO);
     const ReplacedFileCalls replaced(calls);
     EXPECT_FALSE(defaults->synchronize()) << call;

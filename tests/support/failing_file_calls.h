@@ -75,8 +75,8 @@ class FailingFileCalls : public qx::detail::FileCalls {
   int mkdir(const char* path, mode_t mode) override {
     return fails("mkdir") ? -1 : FileCalls::mkdir(path, mode);
   }
-  int flock(int file, int operation) override {
-    return fails("flock") ? -1 : FileCalls::flock(file, operation);
+  int lockByte(int file, off_t byte) override {
+    return fails("lockByte") ? -1 : FileCalls::lockByte(file, byte);
   }
 
  private:

@@ -9,7 +9,6 @@
 
 #include <QXFoundation/data_cursor.h>
 #include <QXFoundation/exception.h>
-#include <QXFoundation/string.h>
 
 #include "tests/support/failing_file_calls.h"
 #include "tests/support/temporary_folder.h"

@@ -26,6 +26,7 @@ Outcome compare(const json& expect, json actual);
 // One function for each family of operations; operations.cpp lists them.
 void addQualifierOperations(Operations& operations);
 void addValueOperations(Operations& operations);
+void addPreferencesOperations(Operations& operations);
 void addFunctionalOperations(Operations& operations);
 void addCollectionOperations(Operations& operations);
 void addStringOperations(Operations& operations);

@@ -6,6 +6,7 @@ Operations allOperations() {
   Operations operations;
   addQualifierOperations(operations);
   addValueOperations(operations);
+  addPreferencesOperations(operations);
   addFunctionalOperations(operations);
   addCollectionOperations(operations);
   addStringOperations(operations);

@@ -22,9 +22,9 @@ bool fitsDecimal(std::string_view text) {
 }  // namespace
 
 const qx::String& KeyTable::keyFor(std::string_view text) {
-  const Table::value_type* expected = last_ == nullptr ? nullptr : last_->second.next;
+  Table::value_type* expected = last_ == nullptr ? nullptr : last_->second.next;
   if (expected != nullptr && expected->first == text) {
-    last_ = const_cast<Table::value_type*>(expected);
+    last_ = expected;
     return *last_->second.string;
   }
   auto found = keys_.find(text);

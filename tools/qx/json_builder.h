@@ -30,8 +30,8 @@ class KeyTable {
  private:
   struct Key {
     qx::Ref<qx::String> string;
-    const std::pair<const std::string, Key>* next =
-        nullptr;  // the one that came after it last time
+    // The one that came after it last time.
+    std::pair<const std::string, Key>* next = nullptr;
   };
   using Table = std::map<std::string, Key, std::less<>>;
   Table keys_;

@@ -94,7 +94,6 @@ void appendIndented(std::string& out, const PropertyValue& qualifier, std::size_
 }
 
 // ---- JSON
-// -----------------------------------------------------------------------------------------------------
 
 PropertyValue textOrNull(const Ref<qx::String>& text) {
   return text == nullptr ? PropertyValue(qx::null) : PropertyValue(text);
@@ -137,7 +136,6 @@ PropertyValue dump(const PropertyValue& qualifier, std::size_t depth) {
 }
 
 // ---- Graphviz
-// -------------------------------------------------------------------------------------------------
 
 std::string dotQuoted(const std::string& text) {
   std::string out = "\"";

@@ -1,0 +1,192 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include <QXFoundation/QXFoundation.h>
+
+#include "tests/support/memory_user_defaults.h"
+
+namespace kept {
+
+class Listener : public qx::Object {
+ public:
+  void changed(const qx::Ref<qx::Notification>& n) { heard.push_back(n); }
+  std::vector<qx::Ref<qx::Notification>> heard;
+};
+void describe(qx::ClassBuilder<Listener>& c) {
+  c.name("StoreListener").operation("changed:", &Listener::changed);
+}
+
+}  // namespace kept
+
+namespace qx {
+namespace {
+
+using kept::Listener;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class StoreObservation : public testing::Test {
+ protected:
+  Observation logging(const char* path) {
+    return store->observe(path, [this](StringArg written) { log.push_back(written.utf8()); });
+  }
+  test_support::WithMemoryUserDefaults memory;
+  Ref<QXPreferences> store = QXPreferences::initForCustomInfo();
+  std::vector<std::string> log;
+};
+
+TEST_F(StoreObservation, TellsNameCanonicalPathAndThePathAsWritten) {
+  const auto listener = make<Listener>();
+  store->addObserver(listener, "changed:", "a[0].bcdef");
+  store->setInteger(1, "a[0].bcdef");
+  store->setInteger(1, "a[0].b");
+  ASSERT_EQ(listener->heard.size(), 2U);
+  EXPECT_EQ(listener->heard[0]->name()->utf8(), QXPreferencesDidChangeNotification);
+  EXPECT_EQ(listener->heard[0]->object(), "a.b");
+  EXPECT_EQ(PropertyValue(listener->heard[0]->userInfo()), dict({{"keyPath", "a[0].bcdef"}}));
+  EXPECT_EQ(PropertyValue(listener->heard[1]->userInfo()), dict({{"keyPath", "a[0].b"}}));
+  EXPECT_TRUE(isSame(listener->heard[0]->object(), listener->heard[1]->object()))
+      << "one object stands for the path";
+}
+
+TEST_F(StoreObservation, TellsEveryObserverOfThePathAlone) {
+  const Observation parent = logging("a");
+  const Observation child = logging("a.b.c");
+  const Observation other = logging("a.c");
+  const Observation first = logging("a.b");
+  const Observation second = logging("a[3].b");
+  store->setInteger(1, "a.b");
+  EXPECT_THAT(log, ElementsAre("a.b", "a.b"));
+}
+
+TEST_F(StoreObservation, TellsOfRemovalAndOfEveryWay) {
+  const Observation o = logging("k");
+  const Observation list = logging("list");
+  store->setInteger(1, "k");
+  store->setObject("x", "k");
+  store->setValue(2, "k");
+  store->setBool(true, "k");
+  store->setDataObject(1, "k");
+  PropertyValue(store).setValue(3, "k");
+  store->removeObjectForKeyPath("k");
+  store->removeObjectForKeyPath("k");
+  EXPECT_THAT(log, ElementsAre("k", "k", "k", "k", "k", "k", "k", "k"));
+}
+
+TEST_F(StoreObservation, IsCalledAtOnceWithTheNewValueInPlace) {
+  int seen = 0;
+  const Observation o = store->observe("a.b", [&] { seen = store->integerForKeyPath("a.b"); });
+  store->setInteger(5, "a.b");
+  EXPECT_EQ(seen, 5);
+  EXPECT_TRUE(store->isDirty());
+}
+
+TEST_F(StoreObservation, TellsCallablesWithoutArgumentsAndOfValues) {
+  int calls = 0;
+  int width = 0;
+  std::string title;
+  constexpr PreferenceKey<int> kWidth{"ui.width", 80};
+  constexpr PreferenceKey<std::string> kTitle{"ui.title", "untitled"};
+  const Observation a = store->observe("ui.width", [&] { ++calls; });
+  const Observation b = store->observe(kWidth, [&](int w) { width = w; });
+  const Observation c = store->observe(kTitle, [&](const std::string& t) { title = t; });
+  store->set(kWidth, 100);
+  EXPECT_EQ(calls, 1);
+  EXPECT_EQ(width, 100);
+  store->removeObjectForKeyPath(kWidth.path);
+  EXPECT_EQ(width, 80) << "the key's own value";
+  store->set(kTitle, "mine");
+  EXPECT_EQ(title, "mine");
+}
+
+TEST_F(StoreObservation, EndsWithItsObjectAndOutlivesTheStore) {
+  Observation o = logging("k");
+  {
+    const Observation inner = logging("k");
+    store->setInteger(1, "k");
+  }
+  store->setInteger(2, "k");
+  EXPECT_EQ(log.size(), 3U);
+  o.end();
+  store->setInteger(3, "k");
+  EXPECT_EQ(log.size(), 3U);
+  o = logging("k");
+  store = nullptr;
+  o.end();
+}
+
+TEST_F(StoreObservation, RemovesAnObserverByAnEqualPath) {
+  const auto listener = make<Listener>();
+  const auto other = make<Listener>();
+  store->addObserver(listener, "changed:", "a.b");
+  store->addObserver(listener, "changed:", "c");
+  store->addObserver(other, "changed:", "a.b");
+  store->removeObserver(listener, String::from("a[0].b"));
+  store->setInteger(1, "a.b");
+  store->setInteger(1, "c");
+  EXPECT_EQ(listener->heard.size(), 1U);
+  EXPECT_EQ(other->heard.size(), 1U);
+  performSelector(store, "removeObserver:forKeyPath:", listener, "c");
+  store->setInteger(1, "c");
+  EXPECT_EQ(listener->heard.size(), 1U);
+  store->removeObserver(listener, "never observed");
+  store->removeObserver(nullptr, "c");
+}
+
+TEST_F(StoreObservation, RefersToObserversWeakly) {
+  auto listener = make<Listener>();
+  const WeakRef<Listener> weak = listener;
+  store->addObserver(listener, "changed:", "k");
+  listener = nullptr;
+  EXPECT_TRUE(weak.lock() == nullptr);
+  store->setInteger(1, "k");
+}
+
+TEST_F(StoreObservation, RefusesNoPathNoObserverNoSelector) {
+  EXPECT_THROW(store->addObserver(make<Listener>(), "changed:", nullptr), InvalidArgumentException);
+  EXPECT_THROW(store->addObserver(nullptr, "changed:", "k"), InvalidArgumentException);
+  EXPECT_THROW(store->addObserver(make<Listener>(), Selector(), "k"), InvalidArgumentException);
+  EXPECT_THROW((void)store->observe(nullptr, [] {}), InvalidArgumentException);
+}
+
+TEST_F(StoreObservation, OfOneStoreHearsNothingOfAnother) {
+  const Observation o = logging("k");
+  QXPreferences::initForCustomInfo()->setInteger(1, "k");
+  EXPECT_THAT(log, IsEmpty());
+}
+
+TEST_F(StoreObservation, MayWriteObserveAndEndDuringANotification) {
+  Observation self;
+  std::vector<Observation> more;
+  self = store->observe("k", [&](StringArg) {
+    self.end();
+    store->setInteger(2, "other");
+    more.push_back(logging("k"));
+  });
+  const Observation other = logging("other");
+  store->setInteger(1, "k");
+  EXPECT_THAT(log, ElementsAre("other"));
+  store->setInteger(1, "k");
+  EXPECT_THAT(log, ElementsAre("other", "k"));
+}
+
+TEST_F(StoreObservation, MayLetGoOfTheStoreDuringANotification) {
+  QXPreferences* plain = store.get();
+  const Observation a = store->observe("k", [&] { store = nullptr; });
+  const Observation b = logging("k");
+  plain->setInteger(1, "k");
+  EXPECT_THAT(log, ElementsAre("k"));
+}
+
+TEST_F(StoreObservation, LetsWhatAnObserverRaisesReachTheWriterAfterTheWrite) {
+  const Observation o = store->observe("k", [] { throw GenericException("no"); });
+  EXPECT_THROW(store->setInteger(1, "k"), GenericException);
+  EXPECT_EQ(store->integerForKeyPath("k"), 1);
+  EXPECT_TRUE(store->isDirty());
+}
+
+}  // namespace
+}  // namespace qx
