@@ -100,8 +100,7 @@ TEST(Rfc3339Reader, RefusesEverythingElse) {
       "2021-03-04T05:06:60Z",
       "2021-03-04T5:06:07Z",
       "2021-03-04T05:06:7Z",
-      "2021-03-04T05:06:07\xE2\x88\x92"
-      "02:00",
+      "2021-03-04T05:06:07\u221202:00",
   };
   for (const char* text : texts) EXPECT_EQ(qxDateFromRFC3339String(text), nullptr) << text;
   EXPECT_EQ(qxDateFromRFC3339String(nullptr), nullptr);
