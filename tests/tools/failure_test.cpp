@@ -52,6 +52,12 @@ INSTANTIATE_TEST_SUITE_P(
         UsageCase{{"select", "-", "--keys", ""}, "--keys: there is an empty key in the list"},
         UsageCase{{"select", "-", "--keys", "a,"}, "--keys: there is an empty key in the list"},
         UsageCase{{"select", "-", "--keys", "a\xFF"}, "--keys: the list is not UTF-8"},
+        UsageCase{{"select", "-", "--sort", ""}, "--sort: the key is empty"},
+        UsageCase{{"select", "-", "--sort", ":descending"}, "--sort: the key is empty"},
+        UsageCase{{"select", "-", "--sort", "a\xFF"}, "--sort: the key is not UTF-8"},
+        UsageCase{
+            {"select", "-", "--sort", "a:down"},
+            "--sort: the order is ascending, descending, ci-ascending or ci-descending, not down"},
         UsageCase{{"select", "-", "--arg", "1"}, "--arg and --arg-json need --where"},
         UsageCase{{"explain"}, "FORMAT is required"},
         UsageCase{{"explain", "a = b", "--json", "--dot"}, "--json excludes --dot"},
