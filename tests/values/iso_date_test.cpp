@@ -271,6 +271,14 @@ TEST(IsoDateWriter, WritesUtcToTheSecond) {
   EXPECT_EQ(qxISO8601String(nullptr), nullptr);
 }
 
+TEST(IsoDateWriter, WritesWhatDoesNotFit64BitsAsTheLeast) {
+  constexpr double kInfinity = std::numeric_limits<double>::infinity();
+  for (const double t : {9.3e18, -9.3e18, kInfinity, -kInfinity, std::nan("")}) {
+    EXPECT_EQ(qxISO8601String(dateAt(t))->utf8(), "-292277022657-01-27T08:29:52Z") << t;
+  }
+  EXPECT_EQ(qxISO8601String(dateAt(9.2e18))->utf8(), "291536396232-08-31T11:33:20Z");
+}
+
 TEST(TimeValues, GoToDatesAndBack) {
   EXPECT_EQ(qxDateWithTimeVal({1, 500000})->timeIntervalSince1970(), 1.5);
   EXPECT_EQ(qxDateWithTimeVal({-1, 500000})->timeIntervalSince1970(), -0.5);
