@@ -3,7 +3,6 @@
 #include <unistd.h>
 
 #include <CLI/App.hpp>
-#include <charconv>
 #include <cstdint>
 #include <limits>
 #include <memory>
@@ -20,6 +19,7 @@
 #include "tools/qx/failure.h"
 #include "tools/qx/format.h"
 #include "tools/qx/keys.h"
+#include "tools/qx/number_of.h"
 #include "tools/qx/output.h"
 #include "tools/qx/progress.h"
 #include "tools/qx/record_output.h"
@@ -107,13 +107,9 @@ std::optional<qx::Ref<qx::QXQualifier>> qualifierOf(const SelectOptions& options
 
 std::uint64_t limitOf(const SelectOptions& options) {
   if (!options.limit) return std::numeric_limits<std::uint64_t>::max();
-  const std::string& text = *options.limit;
-  std::uint64_t limit = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), limit);
-  if (error != std::errc() || end != text.data() + text.size()) {
-    throw Failure("--limit takes a number of records, not " + text);
-  }
-  return limit;
+  const auto limit = numberOf<std::uint64_t>(*options.limit);
+  if (!limit) throw Failure("--limit takes a number of records, not " + *options.limit);
+  return *limit;
 }
 
 void runSelect(const SelectOptions& options) {
