@@ -306,6 +306,22 @@ TEST(FractionNumber, IsFoundInSetsAndKeptInArrays) {
   EXPECT_EQ(pairOf(list->objectAtIndex(0).as<QXFractionNumber>()), (FractionPair{3, 2}));
 }
 
+TEST(FractionNumber, IsSortedAmongOtherNumbers) {
+  const auto list = array(dict({{"f", 2}}), dict({{"f", fraction(5, 2)}}), dict({{"f", 0.25}}),
+                          dict({{"f", fraction(-1, 3)}}), dict({{"f", fraction(1, 2)}}),
+                          dict({{"f", DecimalNumber::initWithString("2.25")}}));
+  const auto sorted = arraySortedStablyUsingOrderings(
+      list, array(QXSortOrdering::sortOrderingWithKey("f", "compareAscending:")));
+  const double expected[] = {-1.0 / 3, 0.25, 0.5, 2, 2.25, 2.5};
+  for (std::size_t i = 0; i < std::size(expected); ++i) {
+    EXPECT_EQ(sorted->objectAtIndex(i)["f"].doubleValue(), expected[i]) << i;
+  }
+  const auto unstable = PropertyValue(list->mutableCopy()).as<MutableArray>();
+  sortUsingKeyOrderArray(unstable,
+                         array(QXSortOrdering::sortOrderingWithKey("f", "compareAscending:")));
+  EXPECT_TRUE(unstable->isEqualToArray(sorted));
+}
+
 TEST(FractionNumber, IsQualifiedByItsValueAndItsParts) {
   const auto list =
       array(dict({{"f", fraction(1, 2)}}), dict({{"f", fraction(5, 2)}}), dict({{"f", 1.5}}));

@@ -1,6 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <cinttypes>
+#include <cstdio>
 #include <limits>
+#include <random>
 
 #include <QXFoundation/QXFoundation.h>
 #include <QXFoundation/size_formatter.h>
@@ -54,6 +57,46 @@ TEST(SizeFormatter, PrintsCountsWithoutRounding) {
     EXPECT_EQ(formatter->stringForObjectValue(count), text) << count;
     EXPECT_EQ(QXSizeFormatter::stringForByteCount(count)->utf8(), text) << count;
   }
+}
+
+// The rules as they are laid down, with the texts that printf makes.
+std::string byPrintf(std::int64_t n) {
+  char text[64];
+  const auto count = static_cast<std::uint64_t>(n);
+  const auto print = [&](std::uint64_t unit, std::uint64_t least, const char* name) {
+    const std::uint64_t q = count / unit;
+    const std::uint64_t r = count - q * unit;
+    if (r >= least) {
+      std::snprintf(text, sizeof text, "%" PRIu64 ".%" PRIu64 " %s", q, r / least, name);
+    } else {
+      std::snprintf(text, sizeof text, "%" PRIu64 " %s", q, name);
+    }
+  };
+  if (n >= 1000000000) {
+    print(1000000000, 10000000, "GB");
+  } else if (n >= 1000000) {
+    print(1000000, 10000, "MB");
+  } else if (n <= 1000) {
+    std::snprintf(text, sizeof text, "%" PRId64 " bytes", n);
+  } else {
+    print(1000, 1, "KB");
+  }
+  return text;
+}
+
+TEST(SizeFormatter, FollowsTheRules) {
+  const auto same = [](std::int64_t n) {
+    ASSERT_EQ(QXSizeFormatter::stringForByteCount(n)->utf8(), byPrintf(n));
+  };
+  for (std::int64_t n = -2000; n <= 200000; ++n) same(n);
+  for (const std::int64_t unit : {1000, 1000000, 1000000000}) {
+    for (std::int64_t n = -1000; n <= 1000; ++n) {
+      same(unit + n);
+      same(unit * 7 + n * (unit / 1000));
+    }
+  }
+  std::mt19937_64 random(67);
+  for (int i = 0; i < 200000; ++i) same(static_cast<std::int64_t>(random()) >> (random() % 64));
 }
 
 TEST(SizeFormatter, TakesNumbersOfEveryKindAndStrings) {
