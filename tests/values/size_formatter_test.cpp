@@ -85,8 +85,14 @@ std::string byPrintf(std::int64_t n) {
 }
 
 TEST(SizeFormatter, FollowsTheRules) {
-  const auto same = [](std::int64_t n) {
+  const auto formatter = QXSizeFormatter::init();
+  const auto same = [&](std::int64_t n) {
     ASSERT_EQ(QXSizeFormatter::stringForByteCount(n)->utf8(), byPrintf(n));
+    // Integers alone are read in another way than texts that begin with a number.
+    if (n % 16 == 0) {
+      ASSERT_EQ(formatter->stringForObjectValue(std::to_string(n)), byPrintf(n));
+      ASSERT_EQ(formatter->stringForObjectValue(' ' + std::to_string(n)), byPrintf(n));
+    }
   };
   for (std::int64_t n = -2000; n <= 200000; ++n) same(n);
   for (const std::int64_t unit : {1000, 1000000, 1000000000}) {
@@ -117,6 +123,11 @@ TEST(SizeFormatter, TakesNumbersOfEveryKindAndStrings) {
       {"", "0 bytes"},
       {"many", "0 bytes"},
       {"9007199254740993", "9007199.25 GB"},
+      {"007", "7 bytes"},
+      {"-0", "0 bytes"},
+      {"+7", "7 bytes"},
+      {"-9223372036854775808", "-9223372036854775808 bytes"},
+      {MutableString::from("1001 \u4E00"), "1.1 KB"},
       {MutableString::from("1001"), "1.1 KB"},
       {make<Folder>(1500), "1.500 KB"},
   };
