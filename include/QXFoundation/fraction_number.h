@@ -26,11 +26,10 @@ struct FractionPair {
 // A rational number. The class is "QXFractionNumber", a subclass of "NSNumber".
 //
 // - It takes part in the value model as its double value: that is what comparing, equality and
-// hashing go
-//   by, and what property lists are given. Archives keep the pair.
+//   hashing go by, and what property lists are given. Archives keep the pair.
 // - Arithmetic wraps at 64 bits; a double that does not fit becomes the least integer.
 // - Its integer views cut the quotient toward zero and keep the low bits; the unsigned ones are
-// those bits.
+//   those bits.
 // - Immutable but for `normalize`, and thread-safe where no thread calls that.
 class QX_EXPORT QXFractionNumber : public Number {
  public:
