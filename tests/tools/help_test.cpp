@@ -18,7 +18,8 @@ void expectShown(const ProgramRun& run, const std::vector<std::string>& texts) {
 }
 
 TEST(Help, ListsTheCommands) {
-  expectShown(runTool({"--help"}), {"Usage: qx", "\n  select ", "\n  explain ", "--version"});
+  expectShown(runTool({"--help"}), {"Usage: qx", "\n  select ", "\n  explain ", "\n  date ",
+                                    "\n  size ", "\n  fraction ", "--version"});
 }
 
 TEST(Help, ShowsOptionsAndExamplesOfACommand) {
@@ -29,6 +30,12 @@ TEST(Help, ShowsOptionsAndExamplesOfACommand) {
   expectShown(runTool({"explain", "--help"}),
               {"Usage: qx explain [OPTIONS] FORMAT", "--arg TEXT", "--arg-json JSON", "--json",
                "--dot", "\nExamples:\n  qx explain "});
+  expectShown(runTool({"date", "--help"}),
+              {"Usage: qx date [OPTIONS] DATE", "\nExamples:\n  qx date "});
+  expectShown(runTool({"size", "--help"}),
+              {"Usage: qx size [OPTIONS] N", "\nExamples:\n  qx size "});
+  expectShown(runTool({"fraction", "--help"}),
+              {"Usage: qx fraction [OPTIONS] FRACTION", "\nExamples:\n  qx fraction "});
 }
 
 TEST(Help, ShowsTheVersion) {
@@ -45,6 +52,9 @@ TEST(Help, AgreesWithTheManualPage) {
   for (const char* option : {"where", "arg", "arg\\-json", "keys", "limit", "count", "output",
                              "json", "dot", "help", "version"}) {
     EXPECT_NE(page.find(std::string("Fl \\-") + option), std::string::npos) << option;
+  }
+  for (const char* command : {"select", "explain", "date", "size", "fraction"}) {
+    EXPECT_NE(page.find(std::string(".It Nm Cm ") + command + '\n'), std::string::npos) << command;
   }
 }
 

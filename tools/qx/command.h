@@ -20,5 +20,8 @@ struct Command {
 
 extern const Command kSelectCommand;
 extern const Command kExplainCommand;
+extern const Command kDateCommand;
+extern const Command kSizeCommand;
+extern const Command kFractionCommand;
 
 }  // namespace qxtool

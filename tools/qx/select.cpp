@@ -3,7 +3,6 @@
 #include <unistd.h>
 
 #include <CLI/App.hpp>
-#include <charconv>
 #include <cstdint>
 #include <limits>
 #include <memory>
@@ -21,6 +20,7 @@
 #include "tools/qx/failure.h"
 #include "tools/qx/format.h"
 #include "tools/qx/keys.h"
+#include "tools/qx/number_of.h"
 #include "tools/qx/output.h"
 #include "tools/qx/progress.h"
 #include "tools/qx/record_output.h"
@@ -112,13 +112,9 @@ constexpr std::uint64_t kUnlimited = std::numeric_limits<std::uint64_t>::max();
 
 std::uint64_t limitOf(const SelectOptions& options) {
   if (!options.limit) return kUnlimited;
-  const std::string& text = *options.limit;
-  std::uint64_t limit = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), limit);
-  if (error != std::errc() || end != text.data() + text.size()) {
-    throw Failure("--limit takes a number of records, not " + text);
-  }
-  return limit;
+  const auto limit = numberOf<std::uint64_t>(*options.limit);
+  if (!limit) throw Failure("--limit takes a number of records, not " + *options.limit);
+  return *limit;
 }
 
 void cut(qx::MutableArray& records, std::uint64_t limit) {
