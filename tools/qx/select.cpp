@@ -134,6 +134,7 @@ void runSelect(const SelectOptions& options) {
   readRecords(options.file, selection, progress);
   selection.finish();
   if (takesAll) {
+    progress.stop();
     sortRecords(selection.records(), orderings);
     cut(selection.records(), limit);
   }
@@ -174,7 +175,7 @@ const Command kSelectCommand{
     "select", "Show the records of a file that a qualifier accepts",
     "Examples:\n"
     "  qx select people.json --where 'age > %d and name like %@' --arg 30 --arg 'J*'\n"
-    "  qx select people.json --where 'address.city = %@' --arg Oslo --keys name,address.city\n"
+    "  qx select people.json --where '%s = %@' --arg address.city --arg Oslo --keys name\n"
     "  qx select people.json --where 'email = %@' --arg-json null --count\n"
     "  qx select people.json --sort score:descending --sort name:ci-ascending --limit 10\n"
     "  curl -s https://example.org/items.json | qx select - --limit 10 --output json",
