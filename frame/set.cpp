@@ -110,6 +110,7 @@ bool Set::isEqual(const PropertyValue& other) const {
   if (!other.isSet()) return false;
   auto* set = static_cast<Set*>(other.object());
   if (set->count() != count()) return false;
+  if (auto* budget = detail::EqualityBudget::current()) budget->spend(1 + count());
   return detail::EqualityScope().setsAreEqual(*this, *set, [&] { return isSubsetOfSet(set); });
 }
 
