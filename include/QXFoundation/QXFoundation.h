@@ -48,6 +48,7 @@
 #include <QXFoundation/qualifier_explanation.h>
 #include <QXFoundation/qualifier_format.h>
 #include <QXFoundation/qualifier_key.h>
+#include <QXFoundation/reference_count.h>
 #include <QXFoundation/rfc3339.h>
 #include <QXFoundation/selector.h>
 #include <QXFoundation/set.h>
