@@ -18,7 +18,8 @@ void expectShown(const ProgramRun& run, const std::vector<std::string>& texts) {
 }
 
 TEST(Help, ListsTheCommands) {
-  expectShown(runTool({"--help"}), {"Usage: qx", "\n  select ", "\n  explain ", "--version"});
+  expectShown(runTool({"--help"}),
+              {"Usage: qx", "\n  select ", "\n  explain ", "\n  plist ", "--version"});
 }
 
 TEST(Help, ShowsOptionsAndExamplesOfACommand) {
@@ -29,6 +30,8 @@ TEST(Help, ShowsOptionsAndExamplesOfACommand) {
   expectShown(runTool({"explain", "--help"}),
               {"Usage: qx explain [OPTIONS] FORMAT", "--arg TEXT", "--arg-json JSON", "--json",
                "--dot", "\nExamples:\n  qx explain "});
+  expectShown(runTool({"plist", "--help"}), {"Usage: qx plist [OPTIONS] FILE", "--to FORM",
+                                             "--out FILE", "--check", "\nExamples:\n  qx plist "});
 }
 
 TEST(Help, ShowsTheVersion) {
@@ -43,7 +46,7 @@ TEST(Help, AgreesWithTheManualPage) {
   const std::string page = contentOf(std::string(QX_TESTS_DIR) + "/../tools/qx/qx.1");
   ASSERT_FALSE(page.empty());
   for (const char* option : {"where", "arg", "arg\\-json", "keys", "limit", "count", "output",
-                             "json", "dot", "help", "version"}) {
+                             "json", "dot", "to", "out", "check", "help", "version"}) {
     EXPECT_NE(page.find(std::string("Fl \\-") + option), std::string::npos) << option;
   }
 }

@@ -20,5 +20,6 @@ struct Command {
 
 extern const Command kSelectCommand;
 extern const Command kExplainCommand;
+extern const Command kPlistCommand;
 
 }  // namespace qxtool

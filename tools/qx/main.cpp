@@ -1,4 +1,4 @@
-// qx: qualifiers on files, from the command line.
+// qx: qualifiers on files, and property lists, from the command line.
 
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
@@ -20,7 +20,7 @@ namespace qxtool {
 namespace {
 
 constexpr int kFailed = 2;
-const Command* const kCommands[] = {&kSelectCommand, &kExplainCommand};
+const Command* const kCommands[] = {&kSelectCommand, &kExplainCommand, &kPlistCommand};
 
 void show(const std::string& text) {
   Output output;
@@ -35,7 +35,7 @@ int fail(const std::string& reason) {
 
 // Parses the command line and does what it says.
 void run(int argc, char** argv) {
-  CLI::App app("Selects records from files by qualifiers.", "qx");
+  CLI::App app("Selects records from files by qualifiers, and converts property lists.", "qx");
   app.get_formatter()->column_width(24);
   app.set_version_flag("--version", "qx " QX_VERSION);
   app.require_subcommand(0, 1);

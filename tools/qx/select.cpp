@@ -118,7 +118,8 @@ std::uint64_t limitOf(const SelectOptions& options) {
 
 void runSelect(const SelectOptions& options) {
   const RecordForm* form = recordFormNamed(options.output);
-  if (form == nullptr) throw Failure("--output takes table or json, not " + options.output);
+  if (form == nullptr)
+    throw Failure("--output takes table, json, plist or binary, not " + options.output);
   const Keys keys = options.keys ? keysFromList(*options.keys) : Keys();
   Selection selection(qualifierOf(options), limitOf(options), options.count);
   Progress progress;
@@ -135,7 +136,8 @@ void runSelect(const SelectOptions& options) {
 
 std::function<void()> declareSelect(CLI::App& app) {
   const auto options = std::make_shared<SelectOptions>();
-  app.add_option("FILE", options->file, "JSON: an array of dictionaries; - is standard input")
+  app.add_option("FILE", options->file,
+                 "JSON or a property list, an array of dictionaries; - is standard input")
       ->type_name("")
       ->required();
   app.add_option("--where", options->where, "The qualifier that records must pass")
@@ -145,7 +147,8 @@ std::function<void()> declareSelect(CLI::App& app) {
       ->type_name("K1,K2");
   app.add_option("--limit", options->limit, "Take the first N records that pass")->type_name("N");
   app.add_flag("--count", options->count, "Show how many there are");
-  app.add_option("--output", options->output, "table (the default) or json")->type_name("FORM");
+  app.add_option("--output", options->output, "table (the default), json, plist (XML) or binary")
+      ->type_name("FORM");
   return [options] { runSelect(*options); };
 }
 
@@ -157,6 +160,7 @@ const Command kSelectCommand{
     "  qx select people.json --where 'age > %d and name like %@' --arg 30 --arg 'J*'\n"
     "  qx select people.json --where 'address.city = %@' --arg Oslo --keys name,address.city\n"
     "  qx select people.json --where 'email = %@' --arg-json null --count\n"
+    "  qx select people.plist --where 'age > %d' --arg 30 --output plist >grown-up.plist\n"
     "  curl -s https://example.org/items.json | qx select - --limit 10 --output json",
     &declareSelect};
 
