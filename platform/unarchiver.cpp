@@ -330,7 +330,7 @@ struct Unarchiver::State {
 
   // Members of sets whose difference lies deep within them hash alike, and are compared each with
   // each: an archive made for that shall not take the square of its size.
-  static constexpr std::uint64_t kFreeComparisons = std::uint64_t{1} << 22;
+  static constexpr std::uint64_t kFreeComparisons = std::uint64_t{1} << 21;
   static constexpr std::uint64_t kComparisonsOfByte = 4;
   // How every reason begins.
   static constexpr const char* kFailure = "archive, byte ";

@@ -166,9 +166,9 @@ const BadArchive kBadArchives[] = {
      "byte 17: a key stands twice in a dictionary"},
     // Accepted: mutable members may have become equal after they entered the set.
     {"RepeatedMember", archive("\x11\x02\x01\x01"), ""},
-    {"AlikeMembers", setOfAlikeMembers(1000), ""},
-    {"TooManyAlikeMembers", setOfAlikeMembers(50000),
-     "byte 383502: isEqual: too many containers are too much alike"},
+    {"AlikeMembers", setOfAlikeMembers(900), ""},
+    {"TooManyAlikeMembers", setOfAlikeMembers(20000),
+     "byte 143502: isEqual: too many containers are too much alike"},
     // ---- classes
     {"UnknownClass", archive("\x12\x00\x04Nope\x13"s), "byte 17: the class Nope is not known"},
     {"UnknownClassAsAnObject", archive("\x09\x00\x04Nope"s),

@@ -22,8 +22,8 @@ void expectShown(const ProgramRun& run, const std::vector<std::string>& texts) {
 }
 
 TEST(Help, ListsTheCommands) {
-  expectShown(runTool({"--help"}), {"Usage: qx", "\n  select ", "\n  explain ", "\n  date ",
-                                    "\n  size ", "\n  fraction ", "--version"});
+  expectShown(runTool({"--help"}), {"Usage: qx", "\n  select ", "\n  explain ", "\n  plist ",
+                                    "\n  date ", "\n  size ", "\n  fraction ", "--version"});
 }
 
 TEST(Help, ShowsOptionsAndExamplesOfACommand) {
@@ -40,6 +40,8 @@ TEST(Help, ShowsOptionsAndExamplesOfACommand) {
               {"Usage: qx size [OPTIONS] N", "\nExamples:\n  qx size "});
   expectShown(runTool({"fraction", "--help"}),
               {"Usage: qx fraction [OPTIONS] FRACTION", "\nExamples:\n  qx fraction "});
+  expectShown(runTool({"plist", "--help"}), {"Usage: qx plist [OPTIONS] FILE", "--to FORM",
+                                             "--out FILE", "--check", "\nExamples:\n  qx plist "});
 }
 
 TEST(Help, ShowsTheVersion) {
@@ -97,9 +99,9 @@ TEST(Help, AgreesWithTheManualPage) {
   EXPECT_EQ(shown, matches(page, R"(Fl -([a-z-]+))"));
 }
 
-// The shell line without what it is piped into, as the tool's own path runs it.
+// The shell line without where its output goes, as the tool's own path runs it.
 std::string runnable(std::string line) {
-  line = line.substr(0, line.find(" | "));
+  line = std::regex_replace(line, std::regex(R"( \| .*| >\S+$)"), "");
   return "'" + std::string(QX_TOOL_PATH) + "'" + line.substr(line.find("qx ") + 2);
 }
 
@@ -109,6 +111,10 @@ TEST(Help, ShowsExamplesThatRun) {
       "people.json",
       R"([{"name": "Jim", "age": 31, "score": 1, "email": null, "address": {"city": "Oslo"}},
                   {"name": "Ann", "age": 20, "score": 2, "email": "a@b", "address": {}}])");
+  folder.file("people.plist",
+              runTool({"select", folder.file("some.json", R"([{"name": "Jim", "age": 31}])"),
+                       "--output", "plist"})
+                  .out);
   std::set<std::string> examples =
       matches(plain(manualPage()), R"(\n\.Dl (qx (?:select|explain) [^\n]*))");
   for (const char* command : {"select", "explain"}) {

@@ -20,6 +20,7 @@ struct Command {
 
 extern const Command kSelectCommand;
 extern const Command kExplainCommand;
+extern const Command kPlistCommand;
 extern const Command kDateCommand;
 extern const Command kSizeCommand;
 extern const Command kFractionCommand;

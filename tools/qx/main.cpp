@@ -1,4 +1,4 @@
-// qx: qualifiers on files, and single values, from the command line.
+// qx: qualifiers on files, property lists, and single values, from the command line.
 
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
@@ -20,8 +20,8 @@ namespace qxtool {
 namespace {
 
 constexpr int kFailed = 2;
-const Command* const kCommands[] = {&kSelectCommand, &kExplainCommand, &kDateCommand, &kSizeCommand,
-                                    &kFractionCommand};
+const Command* const kCommands[] = {&kSelectCommand, &kExplainCommand, &kPlistCommand,
+                                    &kDateCommand,   &kSizeCommand,    &kFractionCommand};
 
 void show(const std::string& text) {
   Output output;
@@ -36,8 +36,10 @@ int fail(const std::string& reason) {
 
 // Parses the command line and does what it says.
 void run(int argc, char** argv) {
-  CLI::App app("Selects records from files by qualifiers, and shows what single values stand for.",
-               "qx");
+  CLI::App app(
+      "Selects records from files by qualifiers, converts property lists, and shows what single "
+      "values stand for.",
+      "qx");
   app.get_formatter()->column_width(24);
   app.set_version_flag("--version", "qx " QX_VERSION);
   app.require_subcommand(0, 1);

@@ -123,7 +123,8 @@ void cut(qx::MutableArray& records, std::uint64_t limit) {
 
 void runSelect(const SelectOptions& options) {
   const RecordForm* form = recordFormNamed(options.output);
-  if (form == nullptr) throw Failure("--output takes table or json, not " + options.output);
+  if (form == nullptr)
+    throw Failure("--output takes table, json, plist or binary, not " + options.output);
   const Keys keys = options.keys ? keysFromList(*options.keys) : Keys();
   const qx::Ref<qx::Array> orderings = orderingsOf(options.sort);
   const std::uint64_t limit = limitOf(options);
@@ -149,7 +150,8 @@ void runSelect(const SelectOptions& options) {
 
 std::function<void()> declareSelect(CLI::App& app) {
   const auto options = std::make_shared<SelectOptions>();
-  app.add_option("FILE", options->file, "JSON: an array of dictionaries; - is standard input")
+  app.add_option("FILE", options->file,
+                 "JSON or a property list, an array of dictionaries; - is standard input")
       ->type_name("")
       ->required();
   app.add_option("--where", options->where, "The qualifier that records must pass")
@@ -165,7 +167,8 @@ std::function<void()> declareSelect(CLI::App& app) {
   app.add_option("--limit", options->limit, "Take the first N records that pass, after sorting")
       ->type_name("N");
   app.add_flag("--count", options->count, "Show how many there are");
-  app.add_option("--output", options->output, "table (the default) or json")->type_name("FORM");
+  app.add_option("--output", options->output, "table (the default), json, plist (XML) or binary")
+      ->type_name("FORM");
   return [options] { runSelect(*options); };
 }
 
@@ -177,6 +180,7 @@ const Command kSelectCommand{
     "  qx select people.json --where 'age > %d and name like %@' --arg 30 --arg 'J*'\n"
     "  qx select people.json --where '%s = %@' --arg address.city --arg Oslo --keys name\n"
     "  qx select people.json --where 'email = %@' --arg-json null --count\n"
+    "  qx select people.plist --where 'age > %d' --arg 30 --output plist >grown-up.plist\n"
     "  qx select people.json --sort score:descending --sort name:ci-ascending --limit 10\n"
     "  curl -s https://example.org/items.json | qx select - --limit 10 --output json",
     &declareSelect};
