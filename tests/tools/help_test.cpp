@@ -40,6 +40,9 @@ TEST(Help, ShowsOptionsAndExamplesOfACommand) {
               {"Usage: qx size [OPTIONS] N", "\nExamples:\n  qx size "});
   expectShown(runTool({"fraction", "--help"}),
               {"Usage: qx fraction [OPTIONS] FRACTION", "\nExamples:\n  qx fraction "});
+  expectShown(runTool({"prefs", "--help"}),
+              {"Usage: qx prefs [OPTIONS] [FILE] [ACTION] [KEYPATH] [VALUE]", "--application NAME",
+               "--type TYPE", "--json", "\nExamples:\n  qx prefs "});
 }
 
 TEST(Help, ShowsTheVersion) {

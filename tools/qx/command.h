@@ -23,5 +23,6 @@ extern const Command kExplainCommand;
 extern const Command kDateCommand;
 extern const Command kSizeCommand;
 extern const Command kFractionCommand;
+extern const Command kPrefsCommand;
 
 }  // namespace qxtool
