@@ -42,6 +42,9 @@ TEST(Help, ShowsOptionsAndExamplesOfACommand) {
               {"Usage: qx fraction [OPTIONS] FRACTION", "\nExamples:\n  qx fraction "});
   expectShown(runTool({"plist", "--help"}), {"Usage: qx plist [OPTIONS] FILE", "--to FORM",
                                              "--out FILE", "--check", "\nExamples:\n  qx plist "});
+  expectShown(runTool({"prefs", "--help"}),
+              {"Usage: qx prefs [OPTIONS] [FILE] [ACTION] [KEYPATH] [VALUE]", "--application NAME",
+               "--type TYPE", "--json", "\nExamples:\n  qx prefs "});
 }
 
 TEST(Help, ShowsTheVersion) {

@@ -24,5 +24,6 @@ extern const Command kPlistCommand;
 extern const Command kDateCommand;
 extern const Command kSizeCommand;
 extern const Command kFractionCommand;
+extern const Command kPrefsCommand;
 
 }  // namespace qxtool
