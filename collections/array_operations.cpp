@@ -38,7 +38,7 @@ Ref<MutableArray> elementsWhere(In<Array> array, bool wanted, Test&& test) {
 
 Ref<MutableArray> elementsInArray(In<Array> array, In<Array> other, bool wanted) {
   if (!array) return nullptr;
-  const Membership members(other);
+  const Membership members(other, array->count());
   return elementsWhere(array, wanted,
                        [&](const PropertyValue& element) { return members.contains(element); });
 }
@@ -87,7 +87,7 @@ Ref<MutableArray> arrayByPerformingSelector(In<Array> array, SelectorFor<0> sele
   if (!array) return nullptr;
   const Ref<Array> held = ArrayStorage::steady(*array);
   auto results = MutableArray::init();
-  Membership known;
+  Membership known(nullptr);
   SelectorCall ask(selector);
   for (const PropertyValue& element : *held) {
     const PropertyValue result = ask(element);
@@ -103,7 +103,7 @@ bool kwContainsArray(In<Array> array, In<Array> other) {
   if (!other) return true;
   const Ref<Array> asked = Ref<Array>(other.get());
   const Ref<Array> before = ArrayStorage::steady(*asked);
-  const Membership members(array);
+  const Membership members(array, before->count());
   for (std::size_t i = 0; i < before->count(); ++i) {
     if (!members.contains(before->begin()[i])) return false;
     if (!isUnchanged(*asked, *before, i))

@@ -1,4 +1,3 @@
-#include <algorithm>
 #include <vector>
 
 #include <QXFoundation/array_shuffle.h>
@@ -13,7 +12,6 @@ namespace qx {
 
 using detail::ArrayStorage;
 using detail::Membership;
-using detail::PositionIndex;
 
 namespace {
 
@@ -50,57 +48,6 @@ void removeMarked(MutableArray& array, const Array& before, const std::vector<bo
   }
 }
 
-// The elements of an array, from which the first one equal to a value is taken, again and again.
-class Takeaway {
- public:
-  explicit Takeaway(const Array& elements) : elements_(elements), taken_(elements.count(), false) {
-    for (std::size_t i = elements.count(); i-- > 0;) {
-      const PropertyValue& element = elements.begin()[i];
-      if (detail::hashesLikeItCompares(element)) {
-        byHash_.addInFront(element.hash(), i);
-      } else {
-        unhashed_.push_back(i);
-      }
-    }
-    std::reverse(unhashed_.begin(), unhashed_.end());
-  }
-
-  void takeFirst(const PropertyValue& value) {
-    const std::size_t at = detail::hashesLikeItCompares(value) ? takeByHash(value) : scan(value);
-    if (at != PositionIndex::kAbsent) taken_[at] = true;
-  }
-  const std::vector<bool>& taken() const { return taken_; }
-
- private:
-  bool equals(std::size_t position, const PropertyValue& value) const {
-    return !taken_[position] && elements_.begin()[position] == value;
-  }
-
-  std::size_t scan(const PropertyValue& value) const {
-    for (std::size_t i = 0; i < elements_.count(); ++i) {
-      if (equals(i, value)) return i;
-    }
-    return PositionIndex::kAbsent;
-  }
-
-  // An element that has to be asked goes before the one that was looked up where it stands before
-  // it.
-  std::size_t takeByHash(const PropertyValue& value) {
-    const std::size_t hash = value.hash();
-    const std::size_t found = byHash_.find(hash, [&](std::size_t i) { return equals(i, value); });
-    for (const std::size_t asked : unhashed_) {
-      if (asked > found) break;
-      if (equals(asked, value)) return asked;
-    }
-    return byHash_.take(hash, [found](std::size_t i) { return i == found; });
-  }
-
-  const Array& elements_;
-  std::vector<bool> taken_;
-  PositionIndex byHash_;
-  std::vector<std::size_t> unhashed_;  // ascending
-};
-
 }  // namespace
 
 // Comparing may run code of the application, which may let go of the array: each operation holds
@@ -128,7 +75,7 @@ void addObjectsFromArrayIfAbsent(In<MutableArray> array, In<Array> other) {
   if (!array || !other) return;
   const Ref<MutableArray> self = Ref<MutableArray>(array.get());
   const Ref<Array> held = ArrayStorage::steady(*other);
-  Membership known(self);
+  Membership known(self, held->count());
   for (const PropertyValue& value : *held) {
     if (known.contains(value)) continue;
     self->addObject(value);
@@ -150,7 +97,7 @@ void removeObjectsNotInArray(In<MutableArray> array, In<Array> other) {
   if (!array) return;
   const Ref<MutableArray> self = Ref<MutableArray>(array.get());
   const Ref<Array> before = ArrayStorage::steady(*self);
-  const Membership wanted(other);
+  const Membership wanted(other, before->count());
   std::vector<bool> goes(before->count(), false);
   for (std::size_t i = 0; i < before->count(); ++i) goes[i] = !wanted.contains(before->begin()[i]);
   removeMarked(*self, *before, goes);
@@ -161,7 +108,7 @@ void removeObjectsInArrayUsingIsEqual(In<MutableArray> array, In<Array> other) {
   const Ref<MutableArray> self = Ref<MutableArray>(array.get());
   const Ref<Array> before = ArrayStorage::steady(*self);
   const Ref<Array> held = ArrayStorage::steady(*other);
-  Takeaway elements(*before);
+  detail::Takeaway elements(*before, held->count());
   for (const PropertyValue& value : *held) elements.takeFirst(value);
   removeMarked(*self, *before, elements.taken());
 }

@@ -44,6 +44,7 @@ enum ObjectBits : std::uint8_t {
   kBoxedNumber = 8,     // a plain boxed number, which values unbox where they can hold it inline
   kOwnEquality = 16,    // its class overrides `isEqual`
   kOwnHash = 32,        // its class overrides `hash`
+  kHashAside = 64,      // its `isEqual` and its `hash` are not those of one class
 };
 
 // The classes whose equality and hash the library knows and walks without recursion.
@@ -62,15 +63,24 @@ template <class C>
 constexpr unsigned bitUnlessKnown(std::size_t (C::*)() const) {
   return ValueModelClass<C> ? 0U : unsigned{kOwnHash};
 }
+template <class C, class D>
+constexpr unsigned bitUnlessTogether(bool (C::*)(const PropertyValue&) const,
+                                     std::size_t (D::*)() const) {
+  const bool together = std::is_same_v<C, D> || (ValueModelClass<C> && ValueModelClass<D>);
+  return together ? 0U : unsigned{kHashAside};
+}
 // Which of the two T overrides, told by the class that declares the function that T has.
 template <class T>
 constexpr unsigned overrideBits() {
-  unsigned bits = kOwnEquality | kOwnHash;
+  unsigned bits = kOwnEquality | kOwnHash | kHashAside;
   if constexpr (requires { bitUnlessKnown(&T::isEqual); }) {
     bits = (bits & ~unsigned{kOwnEquality}) | bitUnlessKnown(&T::isEqual);
   }
   if constexpr (requires { bitUnlessKnown(&T::hash); }) {
     bits = (bits & ~unsigned{kOwnHash}) | bitUnlessKnown(&T::hash);
+  }
+  if constexpr (requires { bitUnlessTogether(&T::isEqual, &T::hash); }) {
+    bits = (bits & ~unsigned{kHashAside}) | bitUnlessTogether(&T::isEqual, &T::hash);
   }
   return bits;
 }

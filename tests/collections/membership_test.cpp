@@ -1,7 +1,5 @@
 // Large arrays, and elements whose hash says nothing about their equality.
 
-#include "collections/membership.h"
-
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -10,6 +8,7 @@
 #include <QXFoundation/array_operations.h>
 #include <QXFoundation/mutable_array_operations.h>
 
+#include "collections/equality_hash.h"
 #include "tests/collections/sample_objects.h"
 
 namespace {
@@ -26,23 +25,59 @@ using samples::Values;
 
 constexpr std::size_t kMany = 100'000;
 
-TEST(Membership, HashesAreTrustedWhereBothOrNeitherIsOverridden) {
-  using qx::detail::hashesLikeItCompares;
+TEST(EqualityHash, IsThereWhereEqualityAndHashAreOfOneClass) {
+  using qx::detail::equalityHash;
   for (const PropertyValue& v :
        {PropertyValue(1), PropertyValue(qx::null), PropertyValue("a"),
         PropertyValue(qx::make<Label>("a")), PropertyValue(qx::make<Thing>()),
         PropertyValue(array(1, "a")), PropertyValue(qx::dict({{"k", "v"}})),
         PropertyValue(qx::Set::from(array(1))), PropertyValue(array(qx::make<Label>("a"))),
-        PropertyValue(array(array(qx::make<Tag>("a"))))}) {
-    EXPECT_TRUE(hashesLikeItCompares(v)) << v.description();
+        PropertyValue(array(qx::Set::from(array(qx::make<Tag>("a")))))}) {
+    EXPECT_TRUE(equalityHash(v)) << v.description();
   }
   for (const PropertyValue& v :
        {PropertyValue(qx::make<Tag>("a")), PropertyValue(qx::QXTree::init()),
+        PropertyValue(qx::make<samples::Initial>("a")), PropertyValue(qx::make<samples::Crowded>()),
+        PropertyValue(samples::sizedArray(2)), PropertyValue(array(1, samples::sizedArray(2))),
         PropertyValue(array(1, qx::make<Tag>("a"))),
+        PropertyValue(array(array(qx::make<Tag>("a")))),
         PropertyValue(qx::dict({{"k", qx::make<Tag>("a")}})),
+        PropertyValue(qx::dict({{"k", qx::dict({{"k", qx::make<Tag>("a")}})}})),
         PropertyValue(qx::Set::from(array(qx::make<Tag>("a"))))}) {
-    EXPECT_FALSE(hashesLikeItCompares(v)) << v.description();
+    EXPECT_FALSE(equalityHash(v)) << v.description();
   }
+}
+
+TEST(EqualityHash, IsTheSameForEqualValues) {
+  using qx::detail::equalityHash;
+  const auto mutableOf = [](const Values& values) { return PropertyValue(mutableArrayOf(values)); };
+  const std::pair<PropertyValue, PropertyValue> pairs[] = {
+      {1, 1.0},
+      {"a", qx::MutableString::from("a")},
+      {array(1, array("x", 2)), mutableOf({1.0, mutableOf({qx::MutableString::from("x"), 2U})})},
+      {qx::dict({{"a", array(1)}, {"b", array(2)}}), qx::dict({{"b", array(2)}, {"a", array(1)}})},
+      {array(qx::dict({{"a", array(1)}, {"b", qx::dict({{"c", 3}})}})),
+       array(qx::dict({{"b", qx::dict({{"c", 3}})}, {"a", array(1)}}))},
+      {array(qx::Set::from(array(1, 2))), array(qx::Set::from(array(2, 1)))},
+  };
+  for (const auto& [a, b] : pairs) {
+    ASSERT_TRUE(a == b) << a.description();
+    EXPECT_EQ(equalityHash(a), equalityHash(b)) << a.description();
+  }
+}
+
+TEST(EqualityHash, EndsOnWhatIsDeepWideOrCircular) {
+  using qx::detail::equalityHash;
+  qx::Ref<qx::Array> deep = array("leaf");
+  for (int i = 0; i < 1'000'000; ++i) deep = array(deep);
+  EXPECT_TRUE(equalityHash(deep));
+  PropertyValue shared = array(1);
+  for (int i = 0; i < 200; ++i) shared = array(shared, shared);
+  EXPECT_TRUE(equalityHash(shared));
+  const auto circle = qx::MutableArray::init();
+  circle->addObject(circle);
+  EXPECT_TRUE(equalityHash(circle));
+  circle->removeAllObjects();
 }
 
 TEST(Membership, TheElementIsAskedNotTheValue) {
@@ -95,6 +130,11 @@ const Many kKinds[] = {
     {"labels", [](std::size_t i) { return PropertyValue(qx::make<Label>(std::to_string(i))); }},
     {"arrays", [](std::size_t i) { return PropertyValue(array(i, "x")); }},
     {"dictionaries", [](std::size_t i) { return PropertyValue(qx::dict({{"id", i}})); }},
+    {"nested arrays", [](std::size_t i) { return PropertyValue(array(array(array(i)))); }},
+    {"nested dictionaries",
+     [](std::size_t i) {
+       return PropertyValue(qx::dict({{"at", qx::dict({{"x", i}, {"y", array(0, i)}})}}));
+     }},
     {"few", [](std::size_t i) { return PropertyValue("name " + std::to_string(i % 7)); }},
 };
 
@@ -141,6 +181,59 @@ TEST(Membership, EqualElementsByTheThousandAreTakenInOrder) {
   const Values half(kMany / 2, PropertyValue(qx::make<Label>("same")));
   expectQuick([&] { removeObjectsInArrayUsingIsEqual(all, arrayOf(half)); });
   EXPECT_TRUE(samples::sameObjects(*all, {same.begin() + kMany / 2, same.end()}));
+}
+
+// Tags have to be asked: a tag that stands in the array itself is found at once all the same.
+TEST(Membership, AnArrayOfTagsMayBeItsOwnArgument) {
+  Values tags;
+  for (std::size_t i = 0; i < kMany; ++i) tags.push_back(qx::make<Tag>(std::to_string(i)));
+  const auto a = mutableArrayOf(tags);
+  expectQuick([&] { EXPECT_EQ(subarrayByIntersectingWithArray(a, a)->count(), kMany); });
+  expectQuick([&] { EXPECT_EQ(subarrayByDifferenceWithArray(a, a)->count(), 0U); });
+  expectQuick([&] { EXPECT_TRUE(kwContainsArray(a, a)); });
+  expectQuick([&] { addObjectsFromArrayIfAbsent(a, a); });
+  expectQuick([&] { removeObjectsNotInArray(a, a); });
+  EXPECT_TRUE(samples::sameObjects(*a, tags));
+  expectQuick([&] { removeObjectsInArrayUsingIsEqual(a, a); });
+  EXPECT_EQ(a->count(), 0U);
+}
+
+// Texts, numbers and objects that are only themselves need not be asked about tags.
+TEST(Membership, TagsAreQuicklyFoundNotToBeAmongOtherThings) {
+  Values tags;
+  Values others;
+  for (std::size_t i = 0; i < kMany; ++i) {
+    tags.push_back(qx::make<Tag>(std::to_string(i)));
+    others.push_back(i % 3 == 0   ? PropertyValue(std::to_string(i))
+                     : i % 3 == 1 ? PropertyValue(i)
+                                  : PropertyValue(qx::make<Thing>()));
+  }
+  const auto a = arrayOf(tags);
+  const auto b = mutableArrayOf(others);
+  expectQuick([&] { EXPECT_EQ(subarrayByIntersectingWithArray(a, b)->count(), 0U); });
+  expectQuick([&] { EXPECT_EQ(subarrayByDifferenceWithArray(a, b)->count(), kMany); });
+  expectQuick([&] { removeObjectsInArrayUsingIsEqual(b, a); });
+  EXPECT_TRUE(samples::sameObjects(*b, others));
+}
+
+// A few questions are not worth a preparation.
+TEST(Membership, FewLookupsAreAnsweredLikeMany) {
+  const Values others(50, PropertyValue("z"));
+  for (std::size_t count = 1; count < 20; ++count) {
+    Values values;
+    for (std::size_t i = 0; i < count; ++i) values.push_back(qx::make<Label>(std::to_string(i)));
+    Values all = others;
+    all.insert(all.end(), values.begin(), values.end());
+    const auto wanted = arrayOf(values);
+    EXPECT_EQ(subarrayByIntersectingWithArray(wanted, arrayOf(all))->count(), count);
+    EXPECT_TRUE(kwContainsArray(arrayOf(all), wanted));
+    const auto a = mutableArrayOf(others);
+    addObjectsFromArrayIfAbsent(a, wanted);
+    addObjectsFromArrayIfAbsent(a, wanted);
+    EXPECT_EQ(a->count(), others.size() + count);
+    removeObjectsInArrayUsingIsEqual(a, wanted);
+    EXPECT_EQ(a->count(), others.size());
+  }
 }
 
 }  // namespace

@@ -48,6 +48,40 @@ inline void describe(qx::ClassBuilder<Label>& c) {
   c.name("SampleLabel").property("name", &Label::name);
 }
 
+// Equal to every label that begins like it; the hash is that of labels, and says less.
+class Initial : public Label {
+ public:
+  using Label::Label;
+  bool isEqual(const qx::PropertyValue& other) const override {
+    const auto* label = other.peek<Label>();
+    return label != nullptr && label->name[0] == name[0];
+  }
+};
+inline void describe(qx::ClassBuilder<Initial>& c) { c.name("SampleInitial").inherits<Label>(); }
+
+// Only itself, though its hash is that of another one.
+class Crowded : public qx::Object {
+ public:
+  std::size_t hash() const override { return 7; }
+};
+inline void describe(qx::ClassBuilder<Crowded>& c) { c.name("SampleCrowded"); }
+
+// Equal to every array of as many elements.
+class SizedArray : public qx::MutableArray {
+ public:
+  bool isEqual(const qx::PropertyValue& other) const override {
+    return other.isArray() && other.as<qx::Array>()->count() == count();
+  }
+};
+inline void describe(qx::ClassBuilder<SizedArray>& c) {
+  c.name("SampleSizedArray").inherits<qx::MutableArray>();
+}
+inline qx::Ref<SizedArray> sizedArray(int count) {
+  auto a = qx::make<SizedArray>();
+  for (int i = 0; i < count; ++i) a->addObject(i);
+  return a;
+}
+
 // Equal to every string of its text, which is not equal to it.
 class Pattern : public qx::Object {
  public:
@@ -92,8 +126,9 @@ inline qx::Ref<qx::QXTree> sharedNode() {
 inline qx::PropertyValue randomValue(std::mt19937& random) {
   const auto pick = [&](unsigned n) { return static_cast<int>(random() % n); };
   const std::string name(1, static_cast<char>('a' + pick(3)));
-  static const auto* things = new Values{qx::make<Thing>(), qx::make<Thing>()};
-  switch (pick(16)) {
+  static const auto* things =
+      new Values{qx::make<Thing>(), qx::make<Thing>(), qx::make<Crowded>(), qx::make<Crowded>()};
+  switch (pick(22)) {
     case 0:
       return pick(3);
     case 1:
@@ -114,7 +149,7 @@ inline qx::PropertyValue randomValue(std::mt19937& random) {
     case 9:
       return qx::make<Pattern>(name);
     case 10:
-      return (*things)[static_cast<std::size_t>(pick(2))];
+      return (*things)[static_cast<std::size_t>(pick(4))];
     case 11:
       return qx::array(name, pick(2));
     case 12:
@@ -123,6 +158,18 @@ inline qx::PropertyValue randomValue(std::mt19937& random) {
       return qx::dict({{"k", pick(2)}});
     case 14:
       return pick(2) == 0 ? qx::PropertyValue(sharedNode()) : sharedNode()->object();
+    case 15:
+      return qx::make<Initial>(name + static_cast<char>('x' + pick(2)));
+    case 16:
+      return qx::make<Label>(name + 'x');
+    case 17:
+      return sizedArray(pick(3));
+    case 18:
+      return qx::array(qx::array(name), qx::dict({{"k", qx::array(pick(2))}}));
+    case 19:
+      return qx::array(qx::array(qx::make<Tag>(name)), qx::array(sizedArray(1)));
+    case 20:
+      return qx::dict({{"a", qx::array(name)}, {"b", qx::Set::from(qx::array(name))}});
     default:
       return qx::Set::from(qx::array(pick(2), name));
   }
