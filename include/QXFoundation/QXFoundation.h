@@ -12,6 +12,7 @@
 #include <QXFoundation/class.h>
 #include <QXFoundation/class_builder.h>
 #include <QXFoundation/color_tag.h>
+#include <QXFoundation/constants.h>
 #include <QXFoundation/data.h>
 #include <QXFoundation/data_cursor.h>
 #include <QXFoundation/date.h>
@@ -27,6 +28,7 @@
 #include <QXFoundation/filter.h>
 #include <QXFoundation/formatter.h>
 #include <QXFoundation/fraction_number.h>
+#include <QXFoundation/from_value.h>
 #include <QXFoundation/fwd.h>
 #include <QXFoundation/geometry.h>
 #include <QXFoundation/iso_date.h>
@@ -34,6 +36,7 @@
 #include <QXFoundation/localized_text.h>
 #include <QXFoundation/lock_file.h>
 #include <QXFoundation/machine_identity.h>
+#include <QXFoundation/member_access.h>
 #include <QXFoundation/mutable_array_operations.h>
 #include <QXFoundation/notification_center.h>
 #include <QXFoundation/number.h>
@@ -54,6 +57,7 @@
 #include <QXFoundation/qualifier_explanation.h>
 #include <QXFoundation/qualifier_format.h>
 #include <QXFoundation/qualifier_key.h>
+#include <QXFoundation/reference_count.h>
 #include <QXFoundation/rfc3339.h>
 #include <QXFoundation/selector.h>
 #include <QXFoundation/set.h>
