@@ -7,11 +7,13 @@
 #include <QXFoundation/array.h>
 #include <QXFoundation/attributed_string.h>
 #include <QXFoundation/character_set.h>
+#include <QXFoundation/color_tag.h>
 #include <QXFoundation/data.h>
 #include <QXFoundation/data_cursor.h>
 #include <QXFoundation/date.h>
 #include <QXFoundation/dictionary.h>
 #include <QXFoundation/error.h>
+#include <QXFoundation/file_manager.h>
 #include <QXFoundation/formatter.h>
 #include <QXFoundation/fraction_number.h>
 #include <QXFoundation/notification_center.h>
@@ -29,11 +31,14 @@
 #include <QXFoundation/sort_ordering.h>
 #include <QXFoundation/string.h>
 #include <QXFoundation/tree.h>
+#include <QXFoundation/url.h>
 #include <QXFoundation/user_defaults.h>
 
 #include "collections/added_operations.h"
+#include "files/added_operations.h"
 #include "frame/diagnostic_operations.h"
 #include "ordering/added_operations.h"
+#include "platform/added_operations.h"
 #include "qualifiers/array_operations.h"
 #include "values/date_operations.h"
 
@@ -86,6 +91,10 @@ constexpr NamedClass kClasses[] = {
     namedClass<CharacterSet>("NSCharacterSet"),
     namedClass<PointerArray>("NSPointerArray"),
     namedClass<QXTree>("QXTree"),
+    namedClass<FileManager>("NSFileManager"),
+    namedClass<URL>("NSURL"),
+    namedClass<QXColorTag>("QXColorTag"),
+    namedClass<QXColorTagFormatter>("QXColorTagFormatter"),
 };
 
 constexpr AddedOperations kAdded[] = {
@@ -102,6 +111,9 @@ constexpr AddedOperations kAdded[] = {
     {"NSString", &addStringOperations},
     {"NSMutableString", &addMutableStringOperations},
     {"NSPointerArray", &addPointerArrayOperations},
+    {"NSString", &addPathOperations},
+    {"NSFileManager", &addFileManagerOperations},
+    {"NSURL", &addUrlOperations},
 };
 
 }  // namespace

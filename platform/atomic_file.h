@@ -11,6 +11,8 @@
 #include <string>
 #include <string_view>
 
+#include "platform/file_calls.h"
+
 namespace qx::detail {
 
 struct AtomicWrite {
@@ -37,6 +39,16 @@ struct AtomicWrite {
 // The content of a regular file, links followed. EISDIR for a folder, EINVAL for anything else that
 // is no regular file; never waits for a writer.
 [[nodiscard]] int readFile(const std::string& path, std::string& bytes);
+// The same of a file that is not larger than that; EFBIG for one that is.
+[[nodiscard]] int readFile(const std::string& path, std::string& bytes, std::size_t most);
+
+// The same of an open file, from its start.
+[[nodiscard]] int readOpenFile(int file, std::string& bytes, std::size_t most);
+
+// Puts a new file with the content in place, whole, and leaves it open: over what is there, or
+// (EEXIST otherwise) where nothing is. Neither durable nor following.
+[[nodiscard]] int publishFile(const std::string& path, std::string_view bytes, bool replacing,
+                              OpenFile& file);
 
 // Where a chain of symbolic links ends; that file need not exist. ELOOP beyond 40 links.
 [[nodiscard]] int followLinks(std::string path, std::string& target);

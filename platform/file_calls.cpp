@@ -1,6 +1,7 @@
 #include "platform/file_calls.h"
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -22,6 +23,8 @@ int FileCalls::fsync(int file) { return ::fsync(file); }
 int FileCalls::close(int file) { return ::close(file); }
 int FileCalls::fstat(int file, struct stat* about) { return ::fstat(file, about); }
 int FileCalls::stat(const char* path, struct stat* about) { return ::stat(path, about); }
+int FileCalls::lstat(const char* path, struct stat* about) { return ::lstat(path, about); }
+int FileCalls::chmod(const char* path, mode_t mode) { return ::chmod(path, mode); }
 int FileCalls::fchmod(int file, mode_t mode) { return ::fchmod(file, mode); }
 int FileCalls::fchown(int file, uid_t owner, gid_t group) { return ::fchown(file, owner, group); }
 int FileCalls::rename(const char* from, const char* to) { return ::rename(from, to); }
@@ -54,6 +57,7 @@ int changeLock(int file, off_t byte, short type) {
 
 int FileCalls::lockByte(int file, off_t byte) { return changeLock(file, byte, F_WRLCK); }
 int FileCalls::unlockByte(int file, off_t byte) { return changeLock(file, byte, F_UNLCK); }
+int FileCalls::flock(int file, int operation) { return ::flock(file, operation); }
 
 namespace {
 

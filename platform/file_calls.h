@@ -10,6 +10,7 @@
 #include <sys/types.h>
 
 #include <cstddef>
+#include <utility>
 
 namespace qx::detail {
 
@@ -27,6 +28,9 @@ class FileCalls {
   virtual int close(int file);
   virtual int fstat(int file, struct stat* about);
   virtual int stat(const char* path, struct stat* about);
+  // Of a symbolic link itself.
+  virtual int lstat(const char* path, struct stat* about);
+  virtual int chmod(const char* path, mode_t mode);
   virtual int fchmod(int file, mode_t mode);
   virtual int fchown(int file, uid_t owner, gid_t group);
   virtual int rename(const char* from, const char* to);
@@ -40,6 +44,8 @@ class FileCalls {
   // where another open file has it); gives it back.
   virtual int lockByte(int file, off_t byte);
   virtual int unlockByte(int file, off_t byte);
+  // An advisory lock of an open file as a whole, as in <sys/file.h>.
+  virtual int flock(int file, int operation);
 };
 
 // The calls in use: the system's, or a test's. Thread-safe.
@@ -68,6 +74,14 @@ class OpenFile {
   OpenFile(OpenFile&& other) noexcept;
   OpenFile& operator=(OpenFile&& other) noexcept;
   ~OpenFile();
+
+  // Takes over a descriptor that the caller owns, and gives it up again.
+  static OpenFile adopt(int file) {
+    OpenFile open;
+    open.file_ = file;
+    return open;
+  }
+  [[nodiscard]] int release() { return std::exchange(file_, -1); }
 
   bool isOpen() const { return file_ >= 0; }
   int get() const { return file_; }

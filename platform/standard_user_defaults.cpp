@@ -1,12 +1,7 @@
 #include "platform/standard_user_defaults.h"
 
-#include <pwd.h>
-#include <unistd.h>
-
-#include <cerrno>
 #include <cstdlib>
 #include <mutex>
-#include <vector>
 
 #include <QXFoundation/exception.h>
 #include <QXFoundation/process_info.h>
@@ -14,6 +9,7 @@
 #include "frame/library_class.h"
 #include "frame/raise.h"
 #include "platform/file_user_defaults.h"
+#include "platform/user_accounts.h"
 
 namespace qx {
 namespace detail {
@@ -29,17 +25,6 @@ struct Standard {
     return *standard;
   }
 };
-
-std::string homeFolder() {
-  if (const char* home = std::getenv("HOME"); home != nullptr && home[0] == '/') return home;
-  passwd entry{};
-  passwd* found = nullptr;
-  std::vector<char> room(1024);
-  while (::getpwuid_r(::getuid(), &entry, room.data(), room.size(), &found) == ERANGE) {
-    room.resize(room.size() * 2);
-  }
-  return found != nullptr && found->pw_dir != nullptr ? found->pw_dir : "";
-}
 
 // The name as text; raises where no file can have it.
 std::string fileName(StringArg name, const char* operation) {

@@ -11,6 +11,7 @@
 #include <QXFoundation/character_set.h>
 #include <QXFoundation/class.h>
 #include <QXFoundation/class_builder.h>
+#include <QXFoundation/color_tag.h>
 #include <QXFoundation/constants.h>
 #include <QXFoundation/data.h>
 #include <QXFoundation/data_cursor.h>
@@ -18,8 +19,12 @@
 #include <QXFoundation/diagnostics.h>
 #include <QXFoundation/dictionary.h>
 #include <QXFoundation/dictionary_operations.h>
+#include <QXFoundation/directories.h>
 #include <QXFoundation/error.h>
 #include <QXFoundation/exception.h>
+#include <QXFoundation/extended_attributes.h>
+#include <QXFoundation/file_lock.h>
+#include <QXFoundation/file_manager.h>
 #include <QXFoundation/filter.h>
 #include <QXFoundation/formatter.h>
 #include <QXFoundation/fraction_number.h>
@@ -28,11 +33,15 @@
 #include <QXFoundation/geometry.h>
 #include <QXFoundation/iso_date.h>
 #include <QXFoundation/key_order_sorting.h>
+#include <QXFoundation/localized_text.h>
+#include <QXFoundation/lock_file.h>
+#include <QXFoundation/machine_identity.h>
 #include <QXFoundation/member_access.h>
 #include <QXFoundation/mutable_array_operations.h>
 #include <QXFoundation/notification_center.h>
 #include <QXFoundation/number.h>
 #include <QXFoundation/object.h>
+#include <QXFoundation/path.h>
 #include <QXFoundation/pointer_array.h>
 #include <QXFoundation/pointer_array_operations.h>
 #include <QXFoundation/preference_key.h>
@@ -62,5 +71,7 @@
 #include <QXFoundation/string_search.h>
 #include <QXFoundation/thousand_format.h>
 #include <QXFoundation/tree.h>
+#include <QXFoundation/url.h>
+#include <QXFoundation/url_query.h>
 #include <QXFoundation/user_defaults.h>
 #include <QXFoundation/weak_ref.h>

@@ -35,6 +35,9 @@ void addFractionOperations(Operations& operations);
 void addDateOperations(Operations& operations);
 void addFormattingOperations(Operations& operations);
 void addOrderingOperations(Operations& operations);
+void addFileOperations(Operations& operations);
+void addColorTagOperations(Operations& operations);
+void addUrlOperations(Operations& operations);
 
 Operations allOperations();
 

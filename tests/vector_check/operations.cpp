@@ -15,6 +15,9 @@ Operations allOperations() {
   addDateOperations(operations);
   addFormattingOperations(operations);
   addOrderingOperations(operations);
+  addFileOperations(operations);
+  addColorTagOperations(operations);
+  addUrlOperations(operations);
   return operations;
 }
 

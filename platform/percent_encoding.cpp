@@ -1,0 +1,46 @@
+#include "platform/percent_encoding.h"
+
+namespace qx::detail {
+namespace {
+
+constexpr char kDigits[] = "0123456789ABCDEF";
+
+int digitOf(char c) {
+  if (c >= '0' && c <= '9') return c - '0';
+  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
+  return c >= 'a' && c <= 'f' ? c - 'a' + 10 : -1;
+}
+
+// Takes the next byte off the front. Precondition: there is one.
+char takeDecoded(std::string_view& text) {
+  const char c = text.front();
+  const int high = c == '%' && text.size() > 2 ? digitOf(text[1]) : -1;
+  const int low = high >= 0 ? digitOf(text[2]) : -1;
+  text.remove_prefix(low >= 0 ? 3 : 1);
+  return low >= 0 ? static_cast<char>(high * 16 + low) : c;
+}
+
+}  // namespace
+
+void appendPercentEncoded(std::string& out, std::string_view bytes,
+                          const UnencodedBytes& unencoded) {
+  for (const char c : bytes) {
+    if (unencoded.holds(c)) {
+      out += c;
+      continue;
+    }
+    const auto byte = static_cast<unsigned char>(c);
+    out += '%';
+    out += kDigits[byte >> 4];
+    out += kDigits[byte & 15];
+  }
+}
+
+std::string percentDecoded(std::string_view text) {
+  std::string bytes;
+  bytes.reserve(text.size());
+  while (!text.empty()) bytes += takeDecoded(text);
+  return bytes;
+}
+
+}  // namespace qx::detail
