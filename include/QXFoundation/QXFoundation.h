@@ -32,6 +32,8 @@
 #include <QXFoundation/object.h>
 #include <QXFoundation/pointer_array.h>
 #include <QXFoundation/pointer_array_operations.h>
+#include <QXFoundation/port.h>
+#include <QXFoundation/port_message.h>
 #include <QXFoundation/preference_key.h>
 #include <QXFoundation/preferences.h>
 #include <QXFoundation/preferences_array.h>
@@ -46,6 +48,7 @@
 #include <QXFoundation/qualifier_format.h>
 #include <QXFoundation/qualifier_key.h>
 #include <QXFoundation/rfc3339.h>
+#include <QXFoundation/run_loop.h>
 #include <QXFoundation/selector.h>
 #include <QXFoundation/set.h>
 #include <QXFoundation/size_formatter.h>
@@ -57,6 +60,8 @@
 #include <QXFoundation/string_operations.h>
 #include <QXFoundation/string_search.h>
 #include <QXFoundation/thousand_format.h>
+#include <QXFoundation/thread_message.h>
+#include <QXFoundation/timer.h>
 #include <QXFoundation/tree.h>
 #include <QXFoundation/user_defaults.h>
 #include <QXFoundation/weak_ref.h>
