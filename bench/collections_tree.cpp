@@ -31,8 +31,9 @@ qx::Ref<Node> makeTree(std::size_t width) {
 
 void traverse(benchmark::State& state) {
   const auto root = makeTree(static_cast<std::size_t>(state.range(0)));
+  Node::visits = 0;
   root->traversePostorder("visit");
-  require(std::exchange(Node::visits, 0) == kNodes, "the number of visits");
+  require(Node::visits == kNodes, "the number of visits");
   const qx::PropertyValue absent = "absent";
   compareWays(state,
               {{"postorder", [&] { root->traversePostorder("visit"); }},

@@ -1,8 +1,9 @@
 // Reading and writing property lists, beside libplist (where it was installed when this was built)
 // and Python's plistlib (where python3 is found): a list of 50,000 dictionaries of seven entries.
 //
-// Behind the measurements stands each operation's speed against the faster of the two peers, and
-// the ratio that is to be reached. Freeing what was read is measured for nobody.
+// Before anything is measured, what the peers read and write is compared with the list. Behind the
+// measurements stands each operation's speed against the faster of the two peers, and the ratio
+// that is to be reached. Freeing what was read is measured for nobody.
 
 #include <benchmark/benchmark.h>
 #include <stdio.h>
@@ -12,9 +13,11 @@
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <map>
 #include <random>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <QXFoundation/QXFoundation.h>
@@ -81,6 +84,15 @@ struct Input {
   Input& operator=(const Input&) = delete;
 };
 
+// Whether a peer's copy of the list reads as the list.
+void requireSame(const Input& input, std::string_view copy, const char* peer) {
+  const auto read = PropertyListSerialization::propertyListWithData(
+      qx::Data::from(copy), qx::PropertyListMutability::immutable, nullptr);
+  if (read == input.list) return;
+  printf("%s reads or writes the list differently\n", peer);
+  exit(1);
+}
+
 // ---- this library
 
 void readOwn(benchmark::State& state, const std::string& bytes) {
@@ -146,7 +158,24 @@ void writePeer(benchmark::State& state, const std::string& bytes, Write write) {
   plist_free(list);
 }
 
+void checkLibplist(const Input& input) {
+  plist_t lists[2] = {};
+  plist_from_xml(input.xml.data(), static_cast<std::uint32_t>(input.xml.size()), &lists[0]);
+  plist_from_bin(input.binary.data(), static_cast<std::uint32_t>(input.binary.size()), &lists[1]);
+  for (const auto write : {&plist_to_xml, &plist_to_bin}) {
+    for (plist_t list : lists) {
+      char* out = nullptr;
+      std::uint32_t size = 0;
+      write(list, &out, &size);
+      requireSame(input, {out, size}, "libplist");
+      free(out);
+    }
+  }
+  for (plist_t list : lists) plist_free(list);
+}
+
 void registerLibplist(const Input& input) {
+  checkLibplist(input);
   benchmark::RegisterBenchmark("xml_read/libplist",
                                [&](auto& s) { readPeer(s, input.xml, plist_from_xml); });
   benchmark::RegisterBenchmark("binary_read/libplist",
@@ -178,9 +207,13 @@ double pythonSeconds(const Input& input, const std::string& operation) {
 }
 
 void registerPlistlib(const Input& input) {
-  if (pythonSeconds(input, "nothing") <= 0) {
+  if (pythonSeconds(input, "check") <= 0) {
     printf("plistlib is left out: python3 can not be run\n");
     return;
+  }
+  for (const char* const name : {"peer.xml", "peer.bin"}) {
+    std::ifstream file(input.folder / name, std::ios::binary);
+    requireSame(input, std::string{std::istreambuf_iterator<char>(file), {}}, "plistlib");
   }
   for (const Operation& o : kOperations) {
     const auto run = [&input, name = std::string(o.name)](benchmark::State& state) {

@@ -1,6 +1,7 @@
 // Reading and writing of dates, beside strptime and strftime with the C library's calendar, and
-// beside the date library of Howard Hinnant where it is installed (libhowardhinnant-date-dev).
-// Every way must give the same dates before anything is timed. Column ns: nanoseconds per date.
+// beside the date library of Howard Hinnant (libhowardhinnant-date-dev) and Abseil (libabsl-dev)
+// where they are installed. Every way must give the same dates before anything is timed. Column ns:
+// nanoseconds per date.
 
 #include <time.h>
 
@@ -9,8 +10,19 @@
 #include <vector>
 
 #if __has_include(<date/date.h>)
+#ifndef __clang__
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"  // which g++ 12 finds in the header
+#endif
 #include <date/date.h>
+#ifndef __clang__
+#pragma GCC diagnostic pop
+#endif
 #define BENCH_HAS_DATE 1
+#endif
+
+#ifdef QX_BENCH_ABSL
+#include <absl/time/time.h>
 #endif
 
 #include <QXFoundation/date.h>
@@ -165,6 +177,36 @@ void writeByDateLibrary(benchmark::State& state) {
 }
 BENCHMARK(readWithOffsetByDateLibrary);
 BENCHMARK(writeByDateLibrary);
+#endif
+
+#ifdef QX_BENCH_ABSL
+void readWithOffsetByAbseil(benchmark::State& state) {
+  reading(state, [](const Sample& s) {
+    absl::Time time;
+    std::string error;
+    absl::ParseTime(absl::RFC3339_sec, s.withOffset, &time, &error);
+    return static_cast<double>(absl::ToUnixSeconds(time));
+  });
+}
+void readLocalByAbseil(benchmark::State& state) {
+  static const absl::TimeZone zone = absl::LocalTimeZone();
+  reading(state, [](const Sample& s) {
+    absl::Time time;
+    std::string error;
+    absl::ParseTime("%Y-%m-%dT%H:%M:%S", s.local, zone, &time, &error);
+    return static_cast<double>(absl::ToUnixSeconds(time));
+  });
+}
+void writeByAbseil(benchmark::State& state) {
+  writing(state, [](const Sample& s) {
+    return absl::FormatTime("%Y-%m-%dT%H:%M:%SZ",
+                            absl::FromUnixSeconds(static_cast<std::int64_t>(s.seconds)),
+                            absl::UTCTimeZone());
+  });
+}
+BENCHMARK(readWithOffsetByAbseil);
+BENCHMARK(readLocalByAbseil);
+BENCHMARK(writeByAbseil);
 #endif
 
 }  // namespace

@@ -10,3 +10,8 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_L
   target_compile_options(qxfoundation_warnings INTERFACE -Wno-restrict -Wno-array-bounds
                                                          -Wno-stringop-overflow)
 endif()
+
+# clang reports the use of std::get_temporary_buffer inside libstdc++'s own std::stable_sort.
+if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+  target_compile_options(qxfoundation_warnings INTERFACE -Wno-deprecated-declarations)
+endif()

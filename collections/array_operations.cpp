@@ -1,3 +1,6 @@
+#include <algorithm>
+#include <cstring>
+
 #include <QXFoundation/array_operations.h>
 #include <QXFoundation/array_shuffle.h>
 
@@ -118,19 +121,49 @@ Ref<MutableArray> kwRandomize(In<Array> array) {
 
 namespace detail {
 
+namespace {
+
+// Moves the bytes: the counts stay what they are.
+void exchange(PropertyValue& a, PropertyValue& b) {
+  unsigned char kept[sizeof a];
+  std::memcpy(kept, &a, sizeof a);
+  std::memcpy(static_cast<void*>(&a), &b, sizeof a);
+  std::memcpy(static_cast<void*>(&b), kept, sizeof a);
+}
+
+// Draws many numbers, then exchanges: the system's generator locks itself for each number, which
+// would wait for every exchange to reach the memory.
+void exchangeAll(PropertyValue* values, std::size_t count, RandomNumbers& random) {
+  constexpr std::size_t kAtOnce = 512;
+  constexpr std::size_t kAhead = 32;
+  std::size_t other[kAtOnce + kAhead] = {};
+  for (std::size_t first = 0; first + 1 < count; first += kAtOnce) {
+    const std::size_t some = std::min(kAtOnce, count - 1 - first);
+    for (std::size_t k = 0; k < some; ++k) {
+      const std::size_t i = first + k;
+      other[k] = i + static_cast<std::size_t>(random.next()) % (count - i);
+    }
+    for (std::size_t k = 0; k < some; ++k) {
+      __builtin_prefetch(values + other[k + kAhead], 1);
+      exchange(values[first + k], values[other[k]]);
+    }
+  }
+}
+
+}  // namespace
+
 // An array whose class sees its changes is told of each exchange.
 void shuffle(MutableArray& array) {
   const std::size_t count = array.count();
-  const bool plain = &array.cls() == &classOf<MutableArray>();
-  PropertyValue* values = ArrayStorage::values(array);
+  if (count < 2) return;
   RandomNumbers& random = randomNumbers();
+  if (&array.cls() == &classOf<MutableArray>()) {
+    exchangeAll(ArrayStorage::values(array), count, random);
+    return;
+  }
   for (std::size_t i = 0; i + 1 < count; ++i) {
     const std::size_t j = i + static_cast<std::size_t>(random.next()) % (count - i);
-    if (plain) {
-      std::swap(values[i], values[j]);
-    } else {
-      array.exchangeObjectAtIndex(j, i);
-    }
+    array.exchangeObjectAtIndex(j, i);
   }
 }
 

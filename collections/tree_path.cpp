@@ -1,7 +1,5 @@
 #include "collections/tree_path.h"
 
-#include <algorithm>
-
 #include "frame/raise.h"
 
 namespace qx::detail {
@@ -14,10 +12,6 @@ QXTree& NodeTest::look(const PropertyValue& value, Selector operation) {
   return *node;
 }
 
-void CircleWatch::refuseRepeated(std::vector<const Object*> way) {
-  std::sort(way.begin(), way.end());
-  if (std::adjacent_find(way.begin(), way.end()) != way.end())
-    raiseInvalidArgument("QXTree: a node stands below itself");
-}
+void CircleWatch::refuse() { raiseInvalidArgument("QXTree: a node stands below itself"); }
 
 }  // namespace qx::detail

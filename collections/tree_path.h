@@ -3,7 +3,6 @@
 // Walks through trees by a list of the nodes on the way instead of the stack.
 
 #include <cstddef>
-#include <vector>
 
 #include <QXFoundation/tree.h>
 
@@ -32,21 +31,31 @@ class NodeTest {
   bool known_ = false;
 };
 
-// Notices a way that comes round to a node on it. To be asked at each level entered; looks at the
-// way at depths that double, so that it costs next to nothing.
+// Notices a way that comes round to a node on it, at no cost to speak of. A walk without end
+// follows the same successor from a node each time it gets there, so that the way comes round to
+// every node of the circle: one node is remembered, a later one at depths that double.
 class CircleWatch {
  public:
-  // `way` lists the nodes of the way when it is called.
-  template <class Way>
-  void entered(std::size_t depth, Way&& way) {
-    if (depth < next_) return;
-    next_ = depth * 2;
-    refuseRepeated(way());
+  // A node stands on the way at this depth; the way has got longer by it.
+  void entered(const QXTree& node, std::size_t depth) {
+    if (&node == mark_) refuse();
+    if (depth < nextDepth_) return;
+    mark_ = &node;
+    markDepth_ = depth;
+    nextDepth_ = depth * 2;
+  }
+  // The way has got shorter: the node at this depth was its last.
+  void left(std::size_t depth) {
+    if (depth > markDepth_ || mark_ == nullptr) return;
+    mark_ = nullptr;
+    nextDepth_ = markDepth_;
   }
 
  private:
-  static void refuseRepeated(std::vector<const Object*> way);
-  std::size_t next_ = 1U << 16;
+  [[noreturn]] static void refuse();
+  const QXTree* mark_ = nullptr;  // stands on the way, and is compared alone
+  std::size_t markDepth_ = 0;
+  std::size_t nextDepth_ = 1U << 16;
 };
 
 }  // namespace qx::detail

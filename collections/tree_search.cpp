@@ -1,6 +1,6 @@
 // Finding nodes.
 
-#include <vector>
+#include <deque>
 
 #include <QXFoundation/tree.h>
 
@@ -27,6 +27,7 @@ class Search {
     while (deep && !levels_.empty()) {
       Level& level = levels_.back();
       if (level.next == level.count) {
+        watch_.left(levels_.size());
         levels_.pop_back();
         continue;
       }
@@ -51,16 +52,12 @@ class Search {
       if (near.isEqual(item_)) return Ref<QXTree>(&near);
     }
     levels_.push_back({value, childs, count, 0});
-    watch_.entered(levels_.size(), [this] {
-      std::vector<const Object*> way;
-      for (const Level& level : levels_) way.push_back(level.node.object());
-      return way;
-    });
+    watch_.entered(node, levels_.size());
     return nullptr;
   }
 
   const PropertyValue item_;
-  std::vector<Level> levels_;
+  std::deque<Level> levels_;  // grows without being moved
   detail::NodeTest test_;
   detail::CircleWatch watch_;
 };

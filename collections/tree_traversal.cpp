@@ -1,6 +1,6 @@
 // Walking trees.
 
-#include <vector>
+#include <deque>
 
 #include <QXFoundation/tree.h>
 
@@ -34,14 +34,8 @@ class Walk {
   void run() {
     while (!steps_.empty()) {
       Step& step = steps_.back();
-      const MutableArray* childs = step.isVisit ? nullptr : childsOf(step.node);
-      if (childs != nullptr && childs->count() != 0) {
-        step.isVisit = true;
-        watch_.entered(++depth_, [this] { return way(); });
-        addSubtrees(*childs, 0);
-        continue;
-      }
-      if (step.isVisit) --depth_;
+      if (!step.isVisit && enter(step)) continue;
+      if (step.isVisit) watch_.left(depth_--);
       const PropertyValue node = std::move(step.node);
       steps_.pop_back();
       visit_(node);
@@ -54,20 +48,20 @@ class Walk {
     bool isVisit;  // else its children go first
   };
 
-  const MutableArray* childsOf(const PropertyValue& node) {
-    return detail::TreeAccess::childs(test_.node(node, operation_));
-  }
-  std::vector<const Object*> way() const {
-    std::vector<const Object*> nodes;
-    for (const Step& step : steps_) {
-      if (step.isVisit) nodes.push_back(step.node.object());
-    }
-    return nodes;
+  // Whether the node has children, which then go first.
+  bool enter(Step& step) {
+    const QXTree& node = test_.node(step.node, operation_);
+    const MutableArray* childs = detail::TreeAccess::childs(node);
+    if (childs == nullptr || childs->count() == 0) return false;
+    step.isVisit = true;
+    watch_.entered(node, ++depth_);
+    addSubtrees(*childs, 0);
+    return true;
   }
 
   SelectorCall& visit_;
   const Selector operation_;
-  std::vector<Step> steps_;
+  std::deque<Step> steps_;  // grows without being moved
   std::size_t depth_ = 0;
   detail::NodeTest test_;
   detail::CircleWatch watch_;

@@ -5,6 +5,7 @@
 
 #include "frame/composition.h"
 #include "frame/key_text.h"
+#include "frame/raise.h"
 #include "frame/unicode.h"
 
 namespace qx::detail {
@@ -139,6 +140,11 @@ Selector setterSelector(std::string_view property) {
   std::string name(property);
   if (!name.empty()) name[0] = static_cast<char>(asciiUpper(static_cast<unsigned char>(name[0])));
   return Selector::named("set" + name + ":");
+}
+
+void raiseVirtualOperation(Selector name) {
+  raiseInvalidArgument("ClassBuilder::operation: " + std::string(name.text()) +
+                       " is a virtual function of Object, which is to be overridden instead");
 }
 
 void ClassBuilderBase::addOperation(const Operation& operation) {

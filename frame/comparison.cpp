@@ -46,6 +46,21 @@ bool comparesItself(const PropertyValue& v) {
   return o != nullptr && (o->cls().record().ownComparisons & ClassRecord::kComparesItself) != 0;
 }
 
+// Whether the class's own operation can be asked with that argument: a parameter with a type takes
+// no other kind.
+bool takes(const ClassRecord& record, Selector operation, const PropertyValue& argument) {
+  const Operation* o = record.findOperation(operation);
+  return o == nullptr || o->taken == nullptr || o->taken->fits(argument);
+}
+
+// Of the number that a class's own comparison answers, of whatever kind and size.
+int signOf(const PropertyValue& v) {
+  NumericValue n;
+  return numericOf(v, n) ? compareNumbers(n, NumericValue::signedInteger(0)) : 0;
+}
+
+ComparisonResult resultOf(int sign) { return static_cast<ComparisonResult>(sign); }
+
 bool ordered(Comparison c, int order) {
   switch (c) {
     case Comparison::isLessThan:
@@ -84,6 +99,17 @@ Applied like(const PropertyValue& left, const PropertyValue& right, bool ignorin
   return {true, right.isString() && wildcardMatch(spanOf(left), spanOf(right), ignoringCase)};
 }
 
+bool answer(Comparison c, const PropertyValue& left, const PropertyValue& right) {
+  return !left.isNil() && apply(c, left, right).result;
+}
+
+bool demand(Comparison c, const PropertyValue& left, const PropertyValue& right) {
+  if (left.isNil()) return false;
+  const Applied a = apply(c, left, right);
+  if (!a.responds) raiseUnsupported(left, selectorOf(c));
+  return a.result;
+}
+
 }  // namespace
 
 Comparison comparisonOf(Selector selector) {
@@ -97,16 +123,6 @@ Selector selectorOf(Comparison comparison) {
   return comparison == Comparison::none ? Selector()
                                         : kSelectors[static_cast<std::size_t>(comparison)];
 }
-
-namespace {
-
-// Of the number that a class's own comparison answers, of whatever kind and size.
-int signOf(const PropertyValue& v) {
-  NumericValue n;
-  return numericOf(v, n) ? compareNumbers(n, NumericValue::signedInteger(0)) : 0;
-}
-
-}  // namespace
 
 bool builtInOrder(const PropertyValue& left, const PropertyValue& right, int& order) {
   if (left.isString() && right.isString()) {
@@ -130,6 +146,7 @@ bool orderOf(const PropertyValue& left, const PropertyValue& right, int& order) 
     return true;
   }
   if (!comparesItself(left)) return builtInOrder(left, right, order);
+  if (right.isNil() || !takes(left.object()->cls().record(), "compare:", right)) return false;
   order = signOf(performSelector(left, "compare:", right));
   return true;
 }
@@ -164,6 +181,8 @@ Applied apply(Comparison comparison, const PropertyValue& left, const PropertyVa
   if (o != nullptr) {
     const ClassRecord& record = o->cls().record();
     if (record.declares(comparison)) {
+      if (!takes(record, selectorOf(comparison), right))
+        return {true, comparison == Comparison::isNotEqualTo};
       return {true, performSelector(left, selectorOf(comparison), right).boolValue()};
     }
   }
@@ -195,22 +214,6 @@ int caseInsensitiveCompareOperation(const PropertyValue& receiver, const Propert
   return caseInsensitiveCompare(spanOf(receiver), spanOf(other));
 }
 
-namespace {
-
-bool answer(Comparison c, const PropertyValue& left, const PropertyValue& right) {
-  return !left.isNil() && apply(c, left, right).result;
-}
-
-bool demand(Comparison c, const PropertyValue& left, const PropertyValue& right) {
-  if (left.isNil()) return false;
-  const Applied a = apply(c, left, right);
-  if (!a.responds) raiseUnsupported(left, selectorOf(c));
-  return a.result;
-}
-
-ComparisonResult resultOf(int sign) { return static_cast<ComparisonResult>(sign); }
-
-}  // namespace
 }  // namespace qx::detail
 
 namespace qx {

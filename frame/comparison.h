@@ -35,7 +35,8 @@ struct Applied {
 };
 
 // Applies one of the nine to a receiver that is not nil: the class's own operation where it
-// declares one, else the value model's. `none` does not respond.
+// declares one, else the value model's. An own operation whose parameter does not take the argument
+// is not called: the two differ, and the rest is false. `none` does not respond.
 Applied apply(Comparison comparison, const PropertyValue& left, const PropertyValue& right);
 
 // The same by selector, for any operation of one argument that answers a bool.

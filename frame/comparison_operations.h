@@ -10,7 +10,8 @@ namespace qx::detail {
 
 // Three-way order of two strings, two numbers or two dates. False where the two do not compare.
 bool builtInOrder(const PropertyValue& left, const PropertyValue& right, int& order);
-// The same, but by the receiver's own `compare:` where its class declares one.
+// The same, but by the receiver's own `compare:` where its class declares one, which is not asked
+// about nil and about what its parameter does not take.
 bool orderOf(const PropertyValue& left, const PropertyValue& right, int& order);
 
 // The built-in form of one of the nine, without asking the class; `responds` is false on receivers

@@ -76,7 +76,7 @@ Ref<Object> MutableData::copy() const { return Data::from(view()); }
 void describe(ClassBuilder<Data>& c) {
   c.setCore();
   c.name("NSData").inherits<Object>();
-  c.operation("length", &Data::length);
+  c.property("length", &Data::length);
 }
 void describe(ClassBuilder<MutableData>& c) {
   c.setCore();

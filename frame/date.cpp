@@ -39,6 +39,11 @@ Ref<Date> Date::distantPast() {
   return *past;
 }
 
+double Date::timeIntervalSinceDate(In<Date> other) const {
+  if (!other) detail::raiseNil("-[NSDate timeIntervalSinceDate:]");
+  return seconds_ - other->seconds_;
+}
+
 ComparisonResult Date::compare(const PropertyValue& other) const {
   return static_cast<ComparisonResult>(
       detail::compareOperation(PropertyValue(const_cast<Date*>(this)), other));
@@ -94,8 +99,8 @@ Ref<Object> Date::copy() const { return const_cast<Date*>(this); }
 void describe(ClassBuilder<Date>& c) {
   c.setCore();
   c.name("NSDate").inherits<Object>();
-  c.operation("timeIntervalSince1970", &Date::timeIntervalSince1970);
-  c.operation("timeIntervalSinceReferenceDate", &Date::timeIntervalSinceReferenceDate);
+  c.property("timeIntervalSince1970", &Date::timeIntervalSince1970);
+  c.property("timeIntervalSinceReferenceDate", &Date::timeIntervalSinceReferenceDate);
   c.operation("compare:", &detail::compareOperation);
 }
 

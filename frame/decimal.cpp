@@ -209,6 +209,31 @@ std::uint64_t Decimal::toUInt64() const noexcept {
   return magnitude > kMostUInt64 ? kMostUInt64 : static_cast<std::uint64_t>(magnitude);
 }
 
+namespace {
+
+// The magnitude as the nearest Real, by way of its text; out of range 0 or an infinity.
+template <class Real>
+Real readBack(const Decimal& d) noexcept {
+  const DecimalParts parts = DecimalParts::of(d);
+  char text[56];
+  char* end = writeDigits(text, parts.significand);
+  const auto digits = end - text;
+  *end++ = 'e';
+  end = std::to_chars(end, text + sizeof text, parts.exponent).ptr;
+  Real value = 0;
+  if (std::from_chars(text, end, value).ec == std::errc::result_out_of_range)
+    value = digits + parts.exponent > 0 ? std::numeric_limits<Real>::infinity() : Real{0};
+  return value;
+}
+
+}  // namespace
+
+float Decimal::toFloat() const noexcept {
+  if (nan_) return std::numeric_limits<float>::quiet_NaN();
+  const float value = readBack<float>(*this);
+  return negative_ ? -value : value;
+}
+
 double Decimal::toDouble() const noexcept {
   if (nan_) return std::numeric_limits<double>::quiet_NaN();
   double value = 0;
@@ -218,11 +243,7 @@ double Decimal::toDouble() const noexcept {
     const auto digits = static_cast<double>(low_);
     value = exponent_ < 0 ? digits / kExactPowers[-exponent_] : digits * kExactPowers[exponent_];
   } else {
-    char text[56];
-    char* end = writeDigits(text, DecimalParts::of(*this).significand);
-    *end++ = 'e';
-    end = std::to_chars(end, text + sizeof text, exponent_).ptr;
-    std::from_chars(text, end, value);  // never out of range: 1e-128 to 1e165
+    value = readBack<double>(*this);  // never out of range: 1e-128 to 1e165
   }
   return negative_ ? -value : value;
 }

@@ -56,6 +56,17 @@ class Decimal {
   std::uint64_t toUInt64() const noexcept;
   // The nearest double, ties to even; NaN gives NaN.
   double toDouble() const noexcept;
+  // The same as a float, which may be an infinity or 0. Not by way of the double, which would round
+  // twice.
+  float toFloat() const noexcept;
+  template <class Real>
+  Real toReal() const noexcept {
+    if constexpr (sizeof(Real) == sizeof(float)) {
+      return toFloat();
+    } else {
+      return toDouble();
+    }
+  }
 
   // The value in that type, if the type holds exactly this number.
   std::optional<std::int64_t> exactInt64() const noexcept;

@@ -3,6 +3,7 @@
 // Work over nested data that must not nest on the stack, and must end on data that holds itself.
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <unordered_map>
 
@@ -16,6 +17,32 @@ namespace qx::detail {
 // shared data end. What nests on the stack (see EqualityScope) ends at its bound.
 bool deepEqual(const Array& a, const PropertyValue& b);
 bool deepEqual(const Dictionary& a, const PropertyValue& b);
+
+// Steps that comparisons of containers may take while this is spent on a thread; beyond them they
+// raise InvalidArgumentException. For values made of bytes from outside. A step is an element, or
+// 64 bytes of text or data.
+class EqualityBudget {
+ public:
+  explicit EqualityBudget(std::uint64_t steps) : left_(steps) {}
+  void spend(std::uint64_t steps);
+
+  // Spends the budget for all comparisons of this thread as long as it stands.
+  class Spending {
+   public:
+    explicit Spending(EqualityBudget& budget);
+    Spending(const Spending&) = delete;
+    Spending& operator=(const Spending&) = delete;
+    ~Spending();
+
+   private:
+    EqualityBudget* const outer_;
+  };
+  // Null when comparisons are free.
+  static EqualityBudget* current();
+
+ private:
+  std::uint64_t left_;
+};
 
 struct ObjectPair {
   const Object* a;

@@ -1,6 +1,9 @@
 #include <unordered_set>
 #include <vector>
 
+#include <QXFoundation/data.h>
+#include <QXFoundation/string.h>
+
 #include "frame/deep.h"
 #include "frame/hashing.h"
 #include "frame/raise.h"
@@ -16,8 +19,21 @@ namespace {
 
 constexpr unsigned kMaxNesting = 500;
 __attribute__((tls_model("initial-exec"))) thread_local EqualityScope* outermostScope = nullptr;
+__attribute__((tls_model("initial-exec"))) thread_local EqualityBudget* spentBudget = nullptr;
 
 }  // namespace
+
+void EqualityBudget::spend(std::uint64_t steps) {
+  if (steps > left_) raiseInvalidArgument("isEqual: too many containers are too much alike");
+  left_ -= steps;
+}
+
+EqualityBudget* EqualityBudget::current() { return spentBudget; }
+
+EqualityBudget::Spending::Spending(EqualityBudget& budget) : outer_(spentBudget) {
+  spentBudget = &budget;
+}
+EqualityBudget::Spending::~Spending() { spentBudget = outer_; }
 
 EqualityScope::EqualityScope() : outermost_(outermostScope == nullptr ? this : outermostScope) {
   if (outermost_->depth_ == kMaxNesting)
@@ -63,11 +79,23 @@ class Comparer {
     if (isSame(a, b)) return true;
     if (isWalked(a, ObjectKind::array)) return b.isArray() && putOff(a, b);
     if (isWalked(a, ObjectKind::dictionary)) return b.isDictionary() && putOff(a, b);
+    if (budget_ != nullptr) budget_->spend(textSteps(a));
     return a == b;
+  }
+
+  // What comparing the value takes if it is a text or data.
+  static std::uint64_t textSteps(const PropertyValue& v) {
+    if (v.isString()) return static_cast<const String*>(v.object())->length() / 32;
+    if (v.isData()) return static_cast<const Data*>(v.object())->length() / 64;
+    return 0;
   }
 
   bool putOff(const PropertyValue& a, const PropertyValue& b) {
     const ObjectPair p{a.object(), b.object()};
+    if (budget_ != nullptr) {
+      budget_->spend(1 + (a.isArray() ? static_cast<const Array*>(p.a)->count()
+                                      : static_cast<const Dictionary*>(p.a)->count()));
+    }
     if (++count_ > kUnwatched && !seen_.insert(p).second) return true;
     pending_.push_back(p);
     return true;
@@ -93,6 +121,7 @@ class Comparer {
 
   static constexpr std::size_t kUnwatched = 1000;
   const EqualityScope scope_;
+  EqualityBudget* const budget_ = EqualityBudget::current();
   std::size_t count_ = 0;
   std::vector<ObjectPair> pending_;
   std::unordered_set<ObjectPair, ObjectPairHash> seen_;

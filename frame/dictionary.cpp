@@ -41,6 +41,7 @@ Ref<Dictionary> Dictionary::from(const Entry* first, std::size_t count) {
 
 Ref<Dictionary> Dictionary::init() { return from(nullptr, 0); }
 
+Ref<Dictionary> dict() { return Dictionary::init(); }
 Ref<Dictionary> dict(std::initializer_list<Entry> entries) {
   return Dictionary::from(entries.begin(), entries.size());
 }
@@ -144,6 +145,7 @@ void MutableDictionary::setDictionary(In<Dictionary> other) {
 }
 
 void MutableDictionary::setValueForKey(const PropertyValue& value, StringArg key) {
+  if (key.isNil()) detail::raiseNil("-[NSMutableDictionary setValue:forKey:]");
   if (value.isNil()) {
     removeObjectForKey(key);
   } else {

@@ -90,5 +90,10 @@ void raiseKind(const char* wanted, const PropertyValue& got) {
   raiseInvalidArgument(shown(got) + " can not stand for " + wanted);
 }
 
+void raiseUnfit(const Class& cls, StringArg key, const Taken& taken, const PropertyValue& got) {
+  raiseInvalidArgument(std::string("-[") + cls.name() + " setValue:forKey:]: the property \"" +
+                       key.utf8() + "\" does not take " + shown(got) + ", only " + taken.wanted());
+}
+
 }  // namespace detail
 }  // namespace qx

@@ -153,12 +153,14 @@ class Storer {
  private:
   void storeProperty(const PropertyValue& target, Object& object) {
     const Property* p = object.cls().record().findProperty(KeyText(key_));
-    if (p != nullptr && p->set != nullptr) {
+    if (p == nullptr || (p->set == nullptr && p->setter == nullptr))
+      return object.setValueForUndefinedKey(value_, key_);
+    const Taken* taken = p->set != nullptr ? p->taken : p->setter->taken;
+    if (taken != nullptr && !taken->fits(value_)) raiseUnfit(object.cls(), key_, *taken, value_);
+    if (p->set != nullptr) {
       p->set(Subject::of(object), p->payload, value_);
-    } else if (p != nullptr && p->setter != nullptr) {
-      p->setter->call(target, p->setter->payload, &value_);
     } else {
-      object.setValueForUndefinedKey(value_, key_);
+      p->setter->call(target, p->setter->payload, &value_);
     }
   }
 

@@ -70,7 +70,7 @@ int Number::intValue() const { return detail::toInt32(numeric()); }
 unsigned Number::unsignedIntValue() const { return detail::toUInt32(numeric()); }
 std::int64_t Number::longLongValue() const { return detail::toInt64(numeric()); }
 std::uint64_t Number::unsignedLongLongValue() const { return detail::toUInt64(numeric()); }
-float Number::floatValue() const { return static_cast<float>(doubleValue()); }
+float Number::floatValue() const { return detail::toSingle(numeric()); }
 double Number::doubleValue() const { return detail::toReal(numeric()); }
 bool Number::boolValue() const { return detail::toBool(numeric()); }
 std::string Number::stringValue() const { return detail::numberText(numeric()); }
@@ -170,17 +170,25 @@ Ref<DecimalNumber> DecimalNumber::fromNumber(const PropertyValue& number) {
 
 Ref<DecimalNumber> DecimalNumber::notANumber() { return boxDecimal(detail::Decimal::notANumber()); }
 bool DecimalNumber::isNaN() const { return value_->isNaN(); }
+
+namespace {
+const detail::Decimal& operand(In<DecimalNumber> number, const char* operation) {
+  if (!number) detail::raiseNil(operation);
+  return number->decimal();
+}
+}  // namespace
+
 Ref<DecimalNumber> DecimalNumber::decimalNumberByAdding(In<DecimalNumber> other) const {
-  return boxDecimal(*value_ + other->decimal());
+  return boxDecimal(*value_ + operand(other, "-[NSDecimalNumber decimalNumberByAdding:]"));
 }
 Ref<DecimalNumber> DecimalNumber::decimalNumberBySubtracting(In<DecimalNumber> other) const {
-  return boxDecimal(*value_ - other->decimal());
+  return boxDecimal(*value_ - operand(other, "-[NSDecimalNumber decimalNumberBySubtracting:]"));
 }
 Ref<DecimalNumber> DecimalNumber::decimalNumberByMultiplyingBy(In<DecimalNumber> other) const {
-  return boxDecimal(*value_ * other->decimal());
+  return boxDecimal(*value_ * operand(other, "-[NSDecimalNumber decimalNumberByMultiplyingBy:]"));
 }
 Ref<DecimalNumber> DecimalNumber::decimalNumberByDividingBy(In<DecimalNumber> other) const {
-  return boxDecimal(*value_ / other->decimal());
+  return boxDecimal(*value_ / operand(other, "-[NSDecimalNumber decimalNumberByDividingBy:]"));
 }
 std::string DecimalNumber::stringValue() const { return value_->text(); }
 detail::NumericValue DecimalNumber::numeric() const {
@@ -220,6 +228,9 @@ void describe(ClassBuilder<DecimalNumber>& c) {
   c.setCore();
   c.name("NSDecimalNumber").inherits<Number>();
   c.initialisedFromText<&DecimalNumber::initWithString>();
+  c.classOperation(
+      "decimalNumberWithString:",
+      +[](const Ref<String>& text) { return DecimalNumber::decimalNumberWithString(text); });
   c.operation(
       "decimalNumberByAdding:", +[](const PropertyValue& r, const Ref<DecimalNumber>& other) {
         return r.as<DecimalNumber>()->decimalNumberByAdding(other);

@@ -70,11 +70,12 @@ std::int64_t decimalMagnitude(TextSpan text, const ScannedReal& real) noexcept {
   return place + scanExponent(text, real);
 }
 
-double readReal(TextSpan text, const ScannedReal& real, const char* digits) noexcept {
-  double value = 0;
+template <class Real>
+Real readReal(TextSpan text, const ScannedReal& real, const char* digits) noexcept {
+  Real value = 0;
   const auto result = std::from_chars(digits, digits + (real.end - real.start), value);
   if (result.ec == std::errc::result_out_of_range) {
-    value = decimalMagnitude(text, real) > 0 ? std::numeric_limits<double>::infinity() : 0.0;
+    value = decimalMagnitude(text, real) > 0 ? std::numeric_limits<Real>::infinity() : Real{0};
   }
   return real.negative ? -value : value;
 }
@@ -158,10 +159,13 @@ std::int64_t scanExponent(TextSpan text, const ScannedReal& real) noexcept {
   return std::clamp(scanInt64(text.substr(start, real.end - start)), -kFar, kFar);
 }
 
-double scanDouble(TextSpan text) {
+namespace {
+
+template <class Real>
+Real scan(TextSpan text) {
   const ScannedReal real = scanReal(text);
   if (!real.found()) return 0;
-  if (!text.wide) return readReal(text, real, text.latin1View().data() + real.start);
+  if (!text.wide) return readReal<Real>(text, real, text.latin1View().data() + real.start);
   // All units of the number are ASCII.
   constexpr std::size_t kOnStack = 128;
   const std::u16string_view units = text.utf16View().substr(real.start, real.end - real.start);
@@ -169,12 +173,17 @@ double scanDouble(TextSpan text) {
   if (units.size() <= kOnStack) {
     char digits[kOnStack];
     std::transform(units.begin(), units.end(), digits, narrow);
-    return readReal(text, real, digits);
+    return readReal<Real>(text, real, digits);
   }
   std::string digits(units.size(), '\0');
   std::transform(units.begin(), units.end(), digits.begin(), narrow);
-  return readReal(text, real, digits.data());
+  return readReal<Real>(text, real, digits.data());
 }
+
+}  // namespace
+
+double scanDouble(TextSpan text) { return scan<double>(text); }
+float scanFloat(TextSpan text) { return scan<float>(text); }
 
 bool scanBool(TextSpan text) noexcept {
   std::size_t position = skipSpace(text);

@@ -26,6 +26,8 @@ std::uint64_t scanUInt64(TextSpan text) noexcept;
 // zero, both with the sign of the text. Throws nothing but std::bad_alloc (very long numbers in
 // wide text).
 double scanDouble(TextSpan text);
+// The nearest float to the number itself, not to its double.
+float scanFloat(TextSpan text);
 
 // Skips whitespace, then a sign, then zeros: true when the next character is one of Y, y, T, t and
 // 1 to 9.

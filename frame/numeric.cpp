@@ -84,6 +84,21 @@ I convert(const NumericValue& n) {
   }
 }
 
+template <class Real>
+Real nearest(const NumericValue& n) {
+  switch (n.kind) {
+    case NumberKind::unsignedInteger:
+      return static_cast<Real>(n.u);
+    case NumberKind::single:
+    case NumberKind::real:
+      return static_cast<Real>(n.d);
+    case NumberKind::decimal:
+      return n.decimal->toReal<Real>();
+    default:
+      return static_cast<Real>(n.i);
+  }
+}
+
 std::size_t hashSigned(std::int64_t i) { return hashWord(static_cast<std::uint64_t>(i)); }
 
 std::size_t hashReal(double d) {
@@ -156,19 +171,8 @@ std::uint32_t toUInt32(const NumericValue& n) { return convert<std::uint32_t>(n)
 std::int64_t toInt64(const NumericValue& n) { return convert<std::int64_t>(n); }
 std::uint64_t toUInt64(const NumericValue& n) { return convert<std::uint64_t>(n); }
 
-double toReal(const NumericValue& n) {
-  switch (n.kind) {
-    case NumberKind::unsignedInteger:
-      return static_cast<double>(n.u);
-    case NumberKind::single:
-    case NumberKind::real:
-      return n.d;
-    case NumberKind::decimal:
-      return n.decimal->toDouble();
-    default:
-      return static_cast<double>(n.i);
-  }
-}
+double toReal(const NumericValue& n) { return nearest<double>(n); }
+float toSingle(const NumericValue& n) { return nearest<float>(n); }
 
 bool toBool(const NumericValue& n) {
   switch (n.kind) {

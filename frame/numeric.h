@@ -78,7 +78,9 @@ std::int32_t toInt32(const NumericValue& n);
 std::uint32_t toUInt32(const NumericValue& n);
 std::int64_t toInt64(const NumericValue& n);
 std::uint64_t toUInt64(const NumericValue& n);
+// The nearest, ties to even, rounded once; a float may be an infinity.
 double toReal(const NumericValue& n);
+float toSingle(const NumericValue& n);
 bool toBool(const NumericValue& n);
 
 // Decimal text; "1" and "0" for bools; the shortest text that reads back for floating numbers.

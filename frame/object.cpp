@@ -87,12 +87,10 @@ std::string Object::description() const {
   return std::string("<") + cls().name() + ": 0x" + digits + ">";
 }
 
-Ref<Object> Object::copy() const {
-  detail::raiseUnsupported(const_cast<Object*>(this), "copyWithZone:");
-}
+Ref<Object> Object::copy() const { detail::raiseUnsupported(const_cast<Object*>(this), "copy"); }
 
 Ref<Object> Object::mutableCopy() const {
-  detail::raiseUnsupported(const_cast<Object*>(this), "mutableCopyWithZone:");
+  detail::raiseUnsupported(const_cast<Object*>(this), "mutableCopy");
 }
 
 PropertyValue Object::valueForUndefinedKey(StringArg) const { return {}; }

@@ -50,8 +50,7 @@ std::uint64_t PropertyValue::unsignedIntegerValue() const {
 }
 float PropertyValue::floatValue() const {
   return view<float>(
-      *this, [](const Number& n) { return n.floatValue(); },
-      [](const NumericValue& n) { return static_cast<float>(detail::toReal(n)); },
+      *this, [](const Number& n) { return n.floatValue(); }, detail::toSingle,
       [](const String& s) { return s.floatValue(); });
 }
 double PropertyValue::doubleValue() const {
@@ -84,6 +83,11 @@ std::optional<double> PropertyValue::exactReal() const {
   NumericValue n;
   if (!detail::numericOf(*this, n) || n.kind == NumberKind::boolean) return std::nullopt;
   return detail::toReal(n);
+}
+std::optional<float> PropertyValue::exactSingle() const {
+  NumericValue n;
+  if (!detail::numericOf(*this, n) || n.kind == NumberKind::boolean) return std::nullopt;
+  return detail::toSingle(n);
 }
 std::optional<std::string> PropertyValue::exactText() const {
   if (!isString()) return std::nullopt;
@@ -128,7 +132,7 @@ PropertyValue PropertyValue::mutableCopy() const {
   const Object* o = object();
   if (o != nullptr) return o->mutableCopy();
   if (isNil()) return {};
-  detail::raiseUnsupported(*this, "mutableCopyWithZone:");
+  detail::raiseUnsupported(*this, "mutableCopy");
 }
 
 bool PropertyValue::isEqualSlow(const PropertyValue& a, const PropertyValue& b) {

@@ -1,14 +1,28 @@
 // The root class, whose operations every value answers by selector, and the class of the null
 // object.
 
+#include <algorithm>
+#include <string_view>
+
 #include <QXFoundation/class.h>
 #include <QXFoundation/string.h>
 
+#include "frame/borrowed_selector.h"
 #include "frame/comparison_operations.h"
 #include "frame/library_class.h"
 
 namespace qx {
 namespace detail {
+
+namespace {
+
+// By name, as protocols are no objects that a selector's argument could be.
+bool conformsByName(const ClassRecord& record, std::string_view protocol) {
+  return std::any_of(record.protocols.begin(), record.protocols.end(),
+                     [&](const ProtocolConformance& p) { return p.protocol->name() == protocol; });
+}
+
+}  // namespace
 
 // Stands for the class of the null object alone: null itself is inline.
 class NullObject : public Object {};
@@ -26,7 +40,8 @@ void describe(ClassBuilder<Object>& c) {
   using detail::Comparison;
   c.setCore();
   c.name("NSObject");
-  c.operation("isEqual:", &detail::isEqualOperation);
+  // These five call the virtual functions that classes override.
+  c.addFunction("isEqual:", &detail::isEqualOperation);
   c.operation("isEqualTo:", &detail::comparisonOperation<Comparison::isEqualTo>);
   c.operation("isNotEqualTo:", &detail::comparisonOperation<Comparison::isNotEqualTo>);
   c.operation("isLessThan:", &detail::comparisonOperation<Comparison::isLessThan>);
@@ -37,20 +52,26 @@ void describe(ClassBuilder<Object>& c) {
               &detail::comparisonOperation<Comparison::isGreaterThanOrEqualTo>);
   c.operation("self", +[](const PropertyValue& r) { return r; });
   c.operation("class", +[](const PropertyValue& r) { return PropertyValue(r.cls()); });
-  c.operation("hash", +[](const PropertyValue& r) { return r.hash(); });
-  c.operation(
+  c.addFunction("hash", +[](const PropertyValue& r) { return r.hash(); });
+  c.addFunction(
       "description", +[](const PropertyValue& r) {
         return r.isString() ? r.copy() : PropertyValue(r.description());
       });
-  c.operation("copy", +[](const PropertyValue& r) { return r.copy(); });
-  c.operation("mutableCopy", +[](const PropertyValue& r) { return r.mutableCopy(); });
+  c.addFunction("copy", +[](const PropertyValue& r) { return r.copy(); });
+  c.addFunction("mutableCopy", +[](const PropertyValue& r) { return r.mutableCopy(); });
   c.operation(
       "isKindOfClass:", +[](const PropertyValue& r, const Ref<Class>& cls) {
         return cls != nullptr && r.isKindOfClass(*cls);
       });
   c.operation(
       "respondsToSelector:", +[](const PropertyValue& r, const PropertyValue& name) {
-        return name.isString() && r.respondsToSelector(Selector::named(name.description()));
+        if (!name.isString()) return false;
+        const std::string text = name.description();
+        return r.respondsToSelector(detail::SelectorAccess::borrowed(text));
+      });
+  c.operation(
+      "conformsToProtocol:", +[](const PropertyValue& r, const PropertyValue& name) {
+        return name.isString() && detail::conformsByName(r.cls()->record(), name.description());
       });
   c.operation(
       "valueForKey:",
@@ -67,9 +88,7 @@ void describe(ClassBuilder<Class>& c) {
   c.setCore();
   c.name("Class").inherits<Object>();
   c.property("name", &Class::name);
-  c.operation(
-      "superclass",
-      +[](const PropertyValue& r) { return PropertyValue(r.as<Class>()->superclass()); });
+  c.property("superclass", &Class::superclass);
 }
 
 const Class& classObject(detail::Type<Object>) { return detail::buildLibraryClass<Object>(); }

@@ -73,6 +73,7 @@ Set::Set(detail::Passkey, unsigned bits)
 Set::~Set() { delete storage_; }
 
 Ref<Set> Set::from(In<Array> members) {
+  if (!members) detail::raiseNil("+[NSSet setWithArray:]");
   auto s = make<Set>(detail::Passkey{});
   for (const PropertyValue& v : *members) s->storage_->add(v);
   return s;
@@ -96,6 +97,7 @@ Ref<Array> Set::allObjects() const {
 }
 
 bool Set::isSubsetOfSet(In<Set> other) const {
+  if (!other) detail::raiseNil("-[NSSet isSubsetOfSet:]");
   const Set& all = *other;
   for (const PropertyValue& v : storage_->members) {
     if (!v.isNil() && !all.containsObject(v)) return false;
@@ -108,6 +110,7 @@ bool Set::isEqual(const PropertyValue& other) const {
   if (!other.isSet()) return false;
   auto* set = static_cast<Set*>(other.object());
   if (set->count() != count()) return false;
+  if (auto* budget = detail::EqualityBudget::current()) budget->spend(1 + count());
   return detail::EqualityScope().setsAreEqual(*this, *set, [&] { return isSubsetOfSet(set); });
 }
 
@@ -126,6 +129,7 @@ Ref<Object> Set::mutableCopy() const { return MutableSet::from(allObjects()); }
 MutableSet::MutableSet() : Set(detail::Passkey{}, detail::kMutableVariant) {}
 Ref<MutableSet> MutableSet::init() { return make<MutableSet>(); }
 Ref<MutableSet> MutableSet::from(In<Array> members) {
+  if (!members) detail::raiseNil("+[NSMutableSet setWithArray:]");
   auto s = init();
   for (const PropertyValue& v : *members) s->addObject(v);
   return s;

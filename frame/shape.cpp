@@ -43,7 +43,7 @@ struct ShapeTable {
   void dropLast(Shape* s) noexcept {
     {
       const std::scoped_lock lock(mutex);
-      if (s->refs_.fetch_sub(1, std::memory_order_acq_rel) != 1) return;
+      if (dropReferences(s->refs_, 1) != 1) return;
       const auto [first, last] = shapes.equal_range(s->listHash_);
       for (auto at = first; at != last; ++at) {
         if (at->second == s) {

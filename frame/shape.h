@@ -7,12 +7,12 @@
 // larger dictionary has a shape of its own with a hash index; removing a key there leaves a hole,
 // which later growth closes.
 
-#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <vector>
 
+#include <QXFoundation/reference_count.h>
 #include <QXFoundation/string.h>
 
 #include "frame/hash_index.h"
@@ -42,7 +42,7 @@ class Shape {
   // A shape of its own, for one dictionary, empty.
   static ShapeCount own(std::size_t capacity);
 
-  void retain() noexcept { refs_.fetch_add(1, std::memory_order_relaxed); }
+  void retain() noexcept { addReferences(refs_, 1); }
   void release() noexcept;
   ShapeCount another() noexcept {
     retain();
@@ -91,7 +91,7 @@ class Shape {
   friend struct ShapeTable;
   friend struct std::default_delete<Shape>;
 
-  std::atomic<std::uint32_t> refs_{1};
+  ReferenceCount refs_{1};
   const bool shared_;
   std::uint64_t listHash_ = 0;
   std::size_t holes_ = 0;

@@ -87,6 +87,7 @@ bool String::hasSuffix(StringArg suffix) const {
   return !suffix.isNil() && text->size <= length_ &&
          detail::equalUnits(spanOf(*this).substr(length_ - text->size), text);
 }
+Range String::rangeOfString(StringArg other) const { return rangeOfString(other, 0); }
 Range String::rangeOfString(StringArg other, std::size_t from) const {
   const ArgText text(other);
   const std::size_t at = text->empty() ? kNotFound : detail::findText(spanOf(*this), text, from);
@@ -150,7 +151,7 @@ Ref<String> String::normalizedString(NormalForm form) const {
 int String::intValue() const { return detail::scanInt32(spanOf(*this)); }
 std::int64_t String::integerValue() const { return detail::scanInt64(spanOf(*this)); }
 std::uint64_t String::unsignedIntegerValue() const { return detail::scanUInt64(spanOf(*this)); }
-float String::floatValue() const { return static_cast<float>(doubleValue()); }
+float String::floatValue() const { return detail::scanFloat(spanOf(*this)); }
 double String::doubleValue() const { return detail::scanDouble(spanOf(*this)); }
 bool String::boolValue() const { return detail::scanBool(spanOf(*this)); }
 
@@ -165,20 +166,36 @@ Ref<Object> String::mutableCopy() const { return MutableString::from(*this); }
 
 Ref<MutableString> MutableString::init() { return make<MutableString>(detail::Passkey{}); }
 Ref<MutableString> MutableString::from(StringArg text) {
+  if (text.isNil()) detail::raiseInvalidArgument("a string can not be made from nil");
   auto s = init();
   s->setString(text);
   return s;
 }
-void MutableString::setString(StringArg text) { replaceCharactersInRange({0, length()}, text); }
-void MutableString::appendString(StringArg text) { replaceCharactersInRange({length(), 0}, text); }
-void MutableString::insertString(StringArg text, std::size_t atIndex) {
-  replaceCharactersInRange({atIndex, 0}, text);
+
+namespace {
+
+// What every change comes to, under the name that it was asked by.
+void change(MutableString& s, Range range, StringArg text, const char* operation) {
+  if (text.isNil()) detail::raiseNil(operation);
+  StringStorage::replace(s, range, ArgText(text), operation);
 }
-void MutableString::deleteCharactersInRange(Range range) { replaceCharactersInRange(range, ""); }
+
+}  // namespace
+
+void MutableString::setString(StringArg text) {
+  change(*this, {0, length()}, text, "-[NSMutableString setString:]");
+}
+void MutableString::appendString(StringArg text) {
+  change(*this, {length(), 0}, text, "-[NSMutableString appendString:]");
+}
+void MutableString::insertString(StringArg text, std::size_t atIndex) {
+  change(*this, {atIndex, 0}, text, "-[NSMutableString insertString:atIndex:]");
+}
+void MutableString::deleteCharactersInRange(Range range) {
+  change(*this, range, "", "-[NSMutableString deleteCharactersInRange:]");
+}
 void MutableString::replaceCharactersInRange(Range range, StringArg withString) {
-  if (withString.isNil())
-    detail::raiseNil("-[NSMutableString replaceCharactersInRange:withString:]");
-  StringStorage::replace(*this, range, ArgText(withString));
+  change(*this, range, withString, "-[NSMutableString replaceCharactersInRange:withString:]");
 }
 std::size_t MutableString::hash() const { return StringStorage::hash(*this); }
 Ref<Object> MutableString::copy() const { return stringOf(spanOf(*this)); }

@@ -17,6 +17,7 @@ void describe(ClassBuilder<String>& c) {
   c.setCore();
   c.name("NSString").inherits<Object>().initialisedFromText<&String::from>();
   c.property("length", &String::length);
+  c.operation("UTF8String", &String::UTF8String);
   c.operation("intValue", &String::intValue).operation("integerValue", &String::integerValue);
   c.operation("unsignedIntegerValue", &String::unsignedIntegerValue);
   c.operation("floatValue", &String::floatValue).operation("doubleValue", &String::doubleValue);

@@ -89,11 +89,10 @@ std::uint32_t StringStorage::computeHash(const String& s) {
   return h;
 }
 
-void StringStorage::replace(MutableString& s, Range range, TextSpan with) {
+void StringStorage::replace(MutableString& s, Range range, TextSpan with, const char* operation) {
   const TextSpan old = span(s);
   if (range.location > old.size || range.length > old.size - range.location) {
-    raiseRange("-[NSMutableString replaceCharactersInRange:withString:]", range.location,
-               range.length, old.size);
+    raiseRange(operation, range.location, range.length, old.size);
   }
   const std::size_t kept = old.size - range.length;
   if (with.size > kMaxLength - kept) raiseTooLong("a string");

@@ -46,7 +46,8 @@ struct StringStorage {
   // Precondition: fitsLatin1.
   static std::string narrowed(TextSpan text);
 
-  static void replace(MutableString& s, Range range, TextSpan with);
+  // A range that leaves the text raises RangeException in the name of `operation`.
+  static void replace(MutableString& s, Range range, TextSpan with, const char* operation);
 
  private:
   static std::uint32_t computeHash(const String& s);

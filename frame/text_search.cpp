@@ -26,13 +26,17 @@ Ref<String> replaceAll(const String& string, TextSpan target, TextSpan with) {
   std::size_t at = target.empty() ? kNotFound : findText(text, target, 0);
   if (at == kNotFound) return immutableString(string);
   const auto result = MutableString::init();
+  const auto append = [&](TextSpan part) {
+    StringStorage::replace(*result, {result->length(), 0}, part,
+                           "-[NSMutableString appendString:]");
+  };
   std::size_t start = 0;
   for (; at != kNotFound; at = findText(text, target, start)) {
-    StringStorage::replace(*result, {result->length(), 0}, text.substr(start, at - start));
-    StringStorage::replace(*result, {result->length(), 0}, with);
+    append(text.substr(start, at - start));
+    append(with);
     start = at + target.size;
   }
-  StringStorage::replace(*result, {result->length(), 0}, text.substr(start));
+  append(text.substr(start));
   return StringStorage::make(StringStorage::span(*result));
 }
 

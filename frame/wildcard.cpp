@@ -36,8 +36,41 @@ bool endsWith(View text, View tail) noexcept {
   return tail.empty() || (!text.empty() && text.back() == tail.back() && text.ends_with(tail));
 }
 
-// Matches token by token. After a failure only the last star needs to take one character more: an
-// earlier star cannot help, because what follows it has matched at its first possible place.
+// A folded text of which characters are known: code points behind the first of what one code point
+// folded to have this bit.
+constexpr char32_t kInside = 0x80000000;
+
+// Beside the forms for texts as they are stored.
+using detail::nextCodePoint;
+char32_t nextCodePoint(const char32_t* units, std::size_t /*size*/,
+                       std::size_t& position) noexcept {
+  return units[position++] & ~kInside;
+}
+
+// Moves behind the character at `position`; false where none starts there.
+template <class Unit>
+bool skipCharacter(const Unit* units, std::size_t size, std::size_t& position) noexcept {
+  if constexpr (sizeof(Unit) < sizeof(char32_t)) {
+    nextCodePoint(units, size, position);
+  } else {
+    if ((units[position] & kInside) != 0) return false;
+    do {
+      ++position;
+    } while (position < size && (units[position] & kInside) != 0);
+  }
+  return true;
+}
+
+// Moves behind what the token takes at `position`; false where it takes nothing.
+template <class Unit>
+bool takeOne(char32_t token, const Unit* units, std::size_t size, std::size_t& position) noexcept {
+  if (token == kAnyOne) return skipCharacter(units, size, position);
+  return nextCodePoint(units, size, position) == token;
+}
+
+// Matches token by token. After a failure only the last star needs to take one code point more: an
+// earlier star cannot help, because what follows it has matched at its first possible place, which
+// is also where it ends first.
 template <class Unit>
 bool matchTokens(const std::u32string& tokens, const Unit* units, std::size_t size) noexcept {
   constexpr std::size_t kNone = std::u32string::npos;
@@ -53,8 +86,7 @@ bool matchTokens(const std::u32string& tokens, const Unit* units, std::size_t si
       continue;
     }
     std::size_t next = position;
-    const char32_t codePoint = nextCodePoint(units, size, next);
-    if (token < tokens.size() && (tokens[token] == codePoint || tokens[token] == kAnyOne)) {
+    if (token < tokens.size() && takeOne(tokens[token], units, size, next)) {
       ++token;
       position = next;
       continue;
@@ -65,6 +97,17 @@ bool matchTokens(const std::u32string& tokens, const Unit* units, std::size_t si
     token = afterStar;
   }
   return token == tokens.size() || (token + 1 == tokens.size() && tokens[token] == kAnyRun);
+}
+
+// The folded text with its characters marked.
+std::u32string foldMarked(TextSpan text) {
+  std::u32string folded;
+  folded.reserve(text.size);
+  for (const char32_t codePoint : text.codePoints()) {
+    const FoldedCodePoint f = foldCodePoint(codePoint);
+    for (int i = 0; i < f.count; ++i) folded.push_back(f.points[i] | (i == 0 ? 0 : kInside));
+  }
+  return folded;
 }
 
 // ß and µ fold to characters outside Latin-1. Every other byte folds to one byte.
@@ -179,7 +222,7 @@ bool WildcardPattern::matchesBytes(std::string_view bytes) const noexcept {
 
 bool WildcardPattern::matchesFolding(TextSpan text) const {
   constexpr std::size_t kOnStack = 256;
-  if (text.wide) return matchesExactly(caseFold(text));
+  if (text.wide) return matchesFoldedFully(text);
   // Of these shapes the start of the text decides most, without folding all of it.
   const bool headDecides =
       shape_ == Shape::prefix || shape_ == Shape::literal || shape_ == Shape::prefixSuffix;
@@ -190,12 +233,19 @@ bool WildcardPattern::matchesFolding(TextSpan text) const {
   }
   if (text.size <= kOnStack) {
     char folded[kOnStack];
-    if (!foldInto(folded, text.latin1View())) return matchesExactly(caseFold(text));
+    if (!foldInto(folded, text.latin1View())) return matchesFoldedFully(text);
     return matchesExactly(TextSpan::latin1({folded, text.size}));
   }
   std::string folded(text.size, '\0');
-  if (!foldInto(folded.data(), text.latin1View())) return matchesExactly(caseFold(text));
+  if (!foldInto(folded.data(), text.latin1View())) return matchesFoldedFully(text);
   return matchesExactly(TextSpan::latin1(folded));
+}
+
+// Of a text whose characters may fold to several: `?` takes all that one of them became.
+bool WildcardPattern::matchesFoldedFully(TextSpan text) const {
+  if (tokens_.find(kAnyOne) == std::u32string::npos) return matchesExactly(caseFold(text));
+  const std::u32string folded = foldMarked(text);
+  return matchTokens(tokens_, folded.data(), folded.size());
 }
 
 bool WildcardPattern::matchesExactly(TextSpan text) const noexcept {

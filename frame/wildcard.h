@@ -17,8 +17,9 @@ namespace qx::detail {
 
 // A pattern prepared once and matched many times. Immutable after construction, so that one pattern
 // may be used by several threads. Matching takes at most text length * pattern length steps,
-// whatever the pattern. With ignoreCase, pattern and text are compared after full case folding
-// ("ß" is "ss", which two `?` match).
+// whatever the pattern. With ignoreCase, pattern and text are compared after full case folding:
+// "ß" is "ss". `?` takes a whole character of the text, also one that folds to several ("ß" is like
+// "?", not like "??" or "s?"), so that what matches exactly matches ignoring case too.
 class WildcardPattern {
  public:
   WildcardPattern(TextSpan pattern, bool ignoreCase);
@@ -39,6 +40,7 @@ class WildcardPattern {
   void compile(TextSpan pattern);
   void chooseShape();
   bool matchesFolding(TextSpan text) const;
+  bool matchesFoldedFully(TextSpan text) const;
   bool matchesExactly(TextSpan text) const noexcept;
   template <class View>
   bool matchesShape(View text, View head, View tail) const noexcept;

@@ -1,6 +1,8 @@
-// Arbitrary bytes as an archive: a value or a clear error. What is read is written again and read
-// back; both must be equal. Sets are left out of that: crafted bytes can put an array into a set
-// before the array has all its elements, and its hash changes under the set.
+// Arbitrary bytes as an archive: a value or a clear error. What is read is written again, read back
+// and written once more; both writings must be the same bytes, which also tells objects apart that
+// have no equality of their own, such as qualifiers. Sets are left out of that: crafted bytes can
+// put an array into a set before the array has all its elements, and its hash changes under the
+// set.
 
 #include <algorithm>
 #include <cstdint>
@@ -57,7 +59,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const auto found = reachable(value);
   const bool holdsSets =
       std::any_of(found.begin(), found.end(), [](const qx::PropertyValue& v) { return v.isSet(); });
-  if (!holdsSets && !(value == again)) std::abort();
+  if (!holdsSets && !qx::Archiver::archivedDataWithRootObject(again)->isEqual(written))
+    std::abort();
   takeApart(found);
   takeApart(reachable(again));
   return 0;

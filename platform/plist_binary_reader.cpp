@@ -94,11 +94,12 @@ class BinaryReader {
         copiedBytesLeft_(maxCopiedBytes(bytes.size())) {}
 
   PropertyValue read() {
-    visit(table_.root());
+    const PlistRecord r = table_.record(table_.root());
+    if (!r.isContainer()) return builder_.leaf(makeLeaf(r, table_.root()));
+    open(r, table_.root());
     while (!open_.empty()) advance();
-    PropertyValue root = std::move(values_.front());
-    if (sharesContainers_) requireWalkable(root);
-    return root;
+    if (sharesContainers_) requireWalkable(root_);
+    return std::move(root_);
   }
 
  private:
@@ -114,8 +115,10 @@ class BinaryReader {
     std::uint64_t next;  // element or entry
     std::size_t firstValue;
     std::size_t firstKey;
-    // A dictionary with the keys of the one before at this depth, which are not on the stack.
-    bool isExpected = false;
+    // A dictionary with the keys of the one before at this depth: neither keys nor values are on
+    // the stacks then, as values are put into it at once.
+    Ref<Dictionary> expected;
+    PropertyValue* slots = nullptr;  // of `expected`
   };
   // The references to the keys of a dictionary.
   struct Keys {
@@ -125,25 +128,29 @@ class BinaryReader {
 
   // Reads objects of the innermost container until one of them is entered, or the container ends.
   void advance() {
-    const std::size_t depth = open_.size();
-    while (open_.size() == depth) {
-      Open& o = open_.back();
-      if (o.next == o.record.count) return close();
-      const std::uint64_t position = o.next++;
-      const bool isArray = o.record.kind() == kPlistArray;
-      visit(table_.reference(o.record, isArray ? position : o.record.count + position));
+    Open& o = open_.back();  // stays where it is until another one is opened
+    const std::uint64_t keys = o.record.kind() == kPlistDictionary ? o.record.count : 0;
+    while (o.next != o.record.count) {
+      const std::uint64_t number = table_.reference(o.record, keys + o.next++);
+      const std::uintptr_t known = known_[number];
+      if (known > kToRepeat) {
+        put(o, again(number));
+        continue;
+      }
+      if (known == kOpen) PlistTable::fail(o.record.at, "a container holds itself");
+      const PlistRecord r = table_.record(number);
+      if (r.isContainer()) return open(r, number);
+      put(o, builder_.leaf(makeLeaf(r, number)));
     }
+    close();
   }
 
-  void visit(std::uint64_t number) {
-    const std::uintptr_t known = known_[number];
-    if (known > kToRepeat) return addAgain(number);
-    if (known == kOpen) PlistTable::fail(open_.back().record.at, "a container holds itself");
-    const PlistRecord r = table_.record(number);
-    if (r.isContainer()) {
-      open(r, number);
+  // As the value that comes next in that container.
+  void put(Open& o, PropertyValue value) {
+    if (o.slots != nullptr) {
+      o.slots[o.next - 1] = std::move(value);
     } else {
-      values_.push_back(builder_.leaf(makeLeaf(r, number)));
+      values_.push_back(std::move(value));
     }
   }
 
@@ -161,14 +168,13 @@ class BinaryReader {
   }
   Object* madeOf(std::uint64_t number) const { return reinterpret_cast<Object*>(known_[number]); }
 
-  void addAgain(std::uint64_t number) {
+  PropertyValue again(std::uint64_t number) {
     Object* made = madeOf(number);
     if (!ObjectAccess::has(*made, kLeaf)) sharesContainers_ = true;
-    if (builder_.makesMutableLeaves()) {
-      const PlistRecord r = table_.record(number);
-      spend(copiedBytesLeft_, r.size, r.at);
-    }
-    values_.push_back(builder_.leaf(made));
+    if (!builder_.makesMutableLeaves()) return made;
+    const PlistRecord r = table_.record(number);
+    spend(copiedBytesLeft_, r.size, r.at);
+    return builder_.leaf(made);
   }
 
   void open(const PlistRecord& r, std::uint64_t number) {
@@ -181,7 +187,7 @@ class BinaryReader {
     if (known_[number] == kUnread) claim(r);
     if (builder_.makesMutableContainers()) spend(copiesLeft_, r.referenceCount() + 1, r.at);
     known_[number] = kOpen;
-    open_.push_back({r, number, 0, values_.size(), keys_.size()});
+    open_.push_back({r, number, 0, values_.size(), keys_.size(), nullptr});
     if (r.kind() == kPlistDictionary) readKeys();
   }
 
@@ -191,9 +197,12 @@ class BinaryReader {
     const std::size_t depth = open_.size();
     if (lastKeys_.size() <= depth) lastKeys_.resize(depth + 1);
     Keys& last = lastKeys_[depth];
-    o.isExpected = builder_.expected(depth) != nullptr && last.count == r.count &&
-                   std::memcmp(last.references, r.bytes, r.count * table_.referenceWidth()) == 0;
-    if (o.isExpected) return;
+    if (builder_.expected(depth) != nullptr && last.count == r.count &&
+        std::memcmp(last.references, r.bytes, r.count * table_.referenceWidth()) == 0) {
+      o.expected = builder_.emptyExpectedDictionary(depth);
+      o.slots = DictionaryStorage::values(*o.expected);
+      return;
+    }
     last = {r.bytes, r.count};
     for (std::uint64_t i = 0; i < r.count; ++i) keys_.push_back(key(table_.reference(r, i), r));
   }
@@ -214,20 +223,28 @@ class BinaryReader {
   }
 
   void close() {
-    const Open o = open_.back();
-    PropertyValue made =
-        o.record.kind() == kPlistArray
-            ? builder_.array(values_.data() + o.firstValue, values_.size() - o.firstValue)
-            : dictionary(o);
-    values_.resize(o.firstValue);
+    Open o = std::move(open_.back());
+    PropertyValue made = finished(o);
     open_.pop_back();
     remember(o.number, builder_.makesMutableContainers() ? nullptr : made.object());
-    values_.push_back(std::move(made));
+    if (open_.empty()) {
+      root_ = std::move(made);
+    } else {
+      put(open_.back(), std::move(made));
+    }
   }
 
-  PropertyValue dictionary(const Open& o) {
-    PropertyValue* values = values_.data() + o.firstValue;
-    if (o.isExpected) return builder_.expectedDictionary(open_.size(), values);
+  PropertyValue finished(Open& o) {
+    if (o.slots != nullptr) return std::move(o.expected);
+    PropertyValue* const values = values_.data() + o.firstValue;
+    PropertyValue made = o.record.kind() == kPlistArray
+                             ? builder_.array(values, values_.size() - o.firstValue)
+                             : dictionary(o, values);
+    values_.resize(o.firstValue);
+    return made;
+  }
+
+  PropertyValue dictionary(const Open& o, PropertyValue* values) {
     const Ref<String>* keys = keys_.data() + o.firstKey;
     PropertyValue d = builder_.dictionary(open_.size(), keys, values, o.record.count);
     if (d.isNil()) {
@@ -269,6 +286,7 @@ class BinaryReader {
   PlistBuilder builder_;
   // By number. What was made is borrowed: none of it is given up before all is read.
   std::vector<std::uintptr_t> known_;
+  PropertyValue root_;
   std::vector<PropertyValue> owned_;  // leaves that stand in the list as copies alone
   std::vector<Open> open_;
   std::vector<PropertyValue> values_;

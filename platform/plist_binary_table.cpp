@@ -67,21 +67,12 @@ void PlistTable::readLongCount(PlistRecord& r) const {
   r.bytes += 1 + width;
 }
 
-std::uint64_t PlistTable::sizeWithoutCount(const PlistRecord& r) {
-  switch (r.kind()) {
-    case kPlistInteger:
-      if (r.count > 4) fail(r.at, "an integer is wider than 16 bytes");
-      return std::uint64_t{1} << r.count;
-    case kPlistUid:
-      failUnsupported(r.at, "the identifiers of keyed archives are no values of property lists");
-    case kPlistSet:
-      failUnsupported(r.at, "a set is no value of a property list");
-    default:
-      break;
+std::uint64_t PlistTable::failWithoutSize(const PlistRecord& r) {
+  if (r.kind() == kPlistInteger) fail(r.at, "an integer is wider than 16 bytes");
+  if (r.kind() == kPlistUid) {
+    failUnsupported(r.at, "the identifiers of keyed archives are no values of property lists");
   }
-  if (r.marker == kPlistFalse || r.marker == kPlistTrue) return 0;
-  if (r.marker == kPlistReal32) return 4;
-  if (r.marker == kPlistReal64 || r.marker == kPlistDate) return 8;
+  if (r.kind() == kPlistSet) failUnsupported(r.at, "a set is no value of a property list");
   failUnsupported(r.at, "an object is of a kind that is not known");
 }
 

@@ -51,7 +51,8 @@ class PlistTable {
     const std::uint64_t width = unitWidths_[r.kind()];
     // Counts are checked against what is there before they are multiplied, by 16 at most.
     if (width == 0) {
-      r.size = sizeWithoutCount(r);
+      const std::uint8_t size = kFixedSizes[r.marker];
+      r.size = size != kNotFixed ? size : failWithoutSize(r);
     } else {
       if (r.count > left) failEnd(r);
       r.size = r.count * width;
@@ -82,8 +83,22 @@ class PlistTable {
   [[noreturn]] static void failEnd(const PlistRecord& r);
   // Reads the count that stands behind the marker, for kinds that have one.
   void readLongCount(PlistRecord& r) const;
-  // Of kinds that have no count; fails for those that are not known.
-  static std::uint64_t sizeWithoutCount(const PlistRecord& r);
+  // For first bytes of kinds that have no count and are none of the fixed ones.
+  [[noreturn]] static std::uint64_t failWithoutSize(const PlistRecord& r);
+
+  // Of what stands behind the first byte, for kinds that have no count.
+  static constexpr std::uint8_t kNotFixed = 0xFF;
+  static constexpr std::array<std::uint8_t, 256> kFixedSizes = [] {
+    std::array<std::uint8_t, 256> sizes{};
+    sizes.fill(kNotFixed);
+    for (unsigned power = 0; power <= 4; ++power) {
+      sizes[kPlistInteger << 4 | power] = static_cast<std::uint8_t>(1U << power);
+    }
+    sizes[kPlistFalse] = sizes[kPlistTrue] = 0;
+    sizes[kPlistReal32] = 4;
+    sizes[kPlistReal64] = sizes[kPlistDate] = 8;
+    return sizes;
+  }();
 
   const unsigned char* bytes_;
   std::size_t trailer_ = 0;

@@ -52,7 +52,7 @@ PropertyValue PlistBuilder::dictionary(std::size_t depth, const Ref<String>* key
 }
 
 PropertyValue PlistBuilder::expectedDictionary(std::size_t depth, PropertyValue* values) const {
-  Ref<Dictionary> d = DictionaryStorage::allocate(last_[depth]->another());
+  Ref<Dictionary> d = emptyExpectedDictionary(depth);
   std::move(values, values + last_[depth]->slots(), DictionaryStorage::values(*d));
   return d;
 }

@@ -41,6 +41,10 @@ class PlistBuilder {
   const Shape* expected(std::size_t depth) const {
     return depth < last_.size() ? last_[depth].get() : nullptr;
   }
+  // The expected dictionary, whose values are nil until the caller has filled every one.
+  Ref<Dictionary> emptyExpectedDictionary(std::size_t depth) const {
+    return DictionaryStorage::allocate(last_[depth]->another());
+  }
   // The expected dictionary, with as many values as it has keys, which are taken.
   PropertyValue expectedDictionary(std::size_t depth, PropertyValue* values) const;
 

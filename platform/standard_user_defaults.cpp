@@ -41,6 +41,16 @@ std::string homeFolder() {
   return found != nullptr && found->pw_dir != nullptr ? found->pw_dir : "";
 }
 
+// The name as text; raises where no file can have it.
+std::string fileName(StringArg name, const char* operation) {
+  std::string text = name.utf8();
+  if (text.empty() || text == "." || text == ".." || text.find('/') != std::string::npos ||
+      text.find('\0') != std::string::npos) {
+    raiseInvalidArgument(std::string(operation) + ": the name can not be that of a file");
+  }
+  return text;
+}
+
 }  // namespace
 
 std::string userDefaultsPath(const std::string& application) {
@@ -79,12 +89,7 @@ Ref<UserDefaults> UserDefaults::standardUserDefaults() {
 }
 
 void UserDefaults::setApplicationName(StringArg name) {
-  const std::string text = name.utf8();
-  if (text.empty() || text == "." || text == ".." || text.find('/') != std::string::npos ||
-      text.find('\0') != std::string::npos) {
-    detail::raiseInvalidArgument(
-        "+[NSUserDefaults setApplicationName:]: the name can not be that of a file");
-  }
+  const std::string text = detail::fileName(name, "+[NSUserDefaults setApplicationName:]");
   detail::Standard& standard = detail::Standard::instance();
   const std::scoped_lock lock(standard.mutex);
   if (standard.defaults != nullptr) {
@@ -92,6 +97,12 @@ void UserDefaults::setApplicationName(StringArg name) {
         "+[NSUserDefaults setApplicationName:]: the standard user defaults are in use already");
   }
   standard.application = text;
+}
+
+Ref<String> UserDefaults::pathForApplicationName(StringArg name) {
+  const std::string path =
+      detail::userDefaultsPath(detail::fileName(name, "+[NSUserDefaults pathForApplicationName:]"));
+  return path.empty() ? nullptr : String::from(path);
 }
 
 void describe(ClassBuilder<UserDefaults>& c) {

@@ -3,9 +3,10 @@
 // The process's local time zone: `TZ`, or the system's zone where that is not set.
 //
 // The C library tells the offset of one moment at a time, behind a lock; what it tells is kept here
-// as the changes of offset of each year asked about, until `TZ` changes. A change of the system's
-// zone while the process runs is seen only by years that were not asked about before. Thread-safe,
-// but as everywhere in POSIX no thread may change the environment while another uses it.
+// as the changes of offset of each year asked about, until `TZ` changes; so the two agree,
+// but for years before 1, in which the C library errs. A change of the system's zone while the
+// process runs is seen only by years that were not asked about before. Thread-safe, but as
+// everywhere in POSIX no thread may change the environment while another uses it.
 
 #include <cstdint>
 

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <bit>
 #include <string>
 #include <vector>
@@ -13,17 +14,20 @@
 
 #include "frame/array_storage.h"
 #include "frame/class_record.h"
+#include "frame/deep.h"
 #include "frame/dictionary_storage.h"
 #include "frame/raise.h"
 #include "frame/string_storage.h"
 #include "platform/archive_format.h"
+#include "platform/plist_builder.h"
 
 namespace qx {
 
 using detail::archive::Tag;
 
 struct Unarchiver::State {
-  State(Unarchiver& o, std::string_view b) : owner(o), bytes(b) {
+  State(Unarchiver& o, std::string_view b)
+      : owner(o), bytes(b), equalities(kFreeComparisons + kComparisonsOfByte * b.size()) {
     const std::string_view magic = detail::archive::kMagic;
     if (!std::string_view(bytes).starts_with(magic)) fail("these bytes are no archive");
     at = magic.size();
@@ -32,7 +36,7 @@ struct Unarchiver::State {
   }
 
   [[noreturn]] void fail(const std::string& reason) const {
-    detail::raiseInvalidArgument("archive, byte " + std::to_string(at) + ": " + reason);
+    detail::raiseInvalidArgument(kFailure + std::to_string(at) + ": " + reason);
   }
 
   // ---- bytes
@@ -62,8 +66,16 @@ struct Unarchiver::State {
   // memory is taken.
   std::size_t count(std::size_t size) {
     const std::uint64_t n = number();
-    if (n > remaining() / size) fail("a count is larger than what follows");
+    const std::size_t left = remaining() - std::min(remaining(), promised);
+    if (n > left / size) fail("a count is larger than what follows");
     return static_cast<std::size_t>(n);
+  }
+  // A count of values, which remain promised until `promisedValue` has given them: containers
+  // within each other can not count the same bytes.
+  std::size_t promise(std::size_t valuesOfEach) {
+    const std::size_t n = count(valuesOfEach);
+    promised += n * valuesOfEach;
+    return n;
   }
   std::string_view run(std::size_t size) {
     const std::string_view r = std::string_view(bytes).substr(at, size);
@@ -167,7 +179,9 @@ struct Unarchiver::State {
                                 std::bit_cast<double>(fixed<std::uint64_t>())));
       case Tag::decimal: {
         const std::string_view text = run(count(1));
-        return keep(number, DecimalNumber::initWithString(text));
+        const auto decimal = DecimalNumber::initWithString(text);
+        if (decimal->stringValue() != text) fail("a decimal number is malformed");
+        return keep(number, decimal);
       }
       case Tag::array:
         return decodeArray(isMutable, number);
@@ -195,14 +209,19 @@ struct Unarchiver::State {
     return isMutable ? PropertyValue(MutableString::from(s)) : PropertyValue(s);
   }
 
+  PropertyValue promisedValue() {
+    --promised;
+    return decode();
+  }
+
   PropertyValue element() {
-    PropertyValue v = decode();
+    PropertyValue v = promisedValue();
     if (v.isNil()) fail("a container holds nil");
     return v;
   }
 
   PropertyValue decodeArray(bool isMutable, std::size_t number) {
-    const std::size_t n = count(1);
+    const std::size_t n = promise(1);
     if (isMutable) {
       const auto a = MutableArray::init();
       keep(number, a);
@@ -217,17 +236,18 @@ struct Unarchiver::State {
   }
 
   Ref<String> key() {
-    const PropertyValue k = decode();
+    const PropertyValue k = promisedValue();
     if (!k.isString()) fail("a key is no string");
     return k.as<String>();
   }
 
   // The keys come first, so that an immutable dictionary can stand before its values do.
   PropertyValue decodeDictionary(bool isMutable, std::size_t number) {
-    const std::size_t n = count(2);
+    const std::size_t n = promise(2);
     std::vector<Ref<String>> keys;
     for (std::size_t i = 0; i < n; ++i) keys.push_back(key());
     if (isMutable) {
+      if (detail::firstRepeatedKey(keys.data(), n) < n) fail("a key stands twice in a dictionary");
       const auto d = MutableDictionary::init();
       keep(number, d);
       for (std::size_t i = 0; i < n; ++i) d->setObject(element(), keys[i]);
@@ -243,17 +263,34 @@ struct Unarchiver::State {
   }
 
   PropertyValue decodeSet(bool isMutable, std::size_t number) {
-    const std::size_t n = count(1);
+    const std::size_t n = promise(1);
     const auto members = MutableArray::init();
     if (isMutable) {
       const auto s = MutableSet::init();
       keep(number, s);
       for (std::size_t i = 0; i < n; ++i) members->addObject(element());
-      for (const PropertyValue& m : *members) s->addObject(m);
+      const detail::EqualityBudget::Spending spending(equalities);
+      placing([&] {
+        for (const PropertyValue& m : *members) s->addObject(m);
+      });
       return s;
     }
     for (std::size_t i = 0; i < n; ++i) members->addObject(element());
-    return keep(number, Set::from(members));
+    Ref<Set> s;
+    const detail::EqualityBudget::Spending spending(equalities);
+    placing([&] { s = Set::from(members); });
+    return keep(number, s);
+  }
+
+  // Code that may refuse what was decoded without knowing where it stood.
+  template <class Work>
+  void placing(Work work) {
+    try {
+      work();
+    } catch (const InvalidArgumentException& e) {
+      if (e.reason().starts_with(kFailure)) throw;
+      fail(e.reason());
+    }
   }
 
   PropertyValue decodeInstance(std::size_t number) {
@@ -263,7 +300,7 @@ struct Unarchiver::State {
       fail(std::string("the class ") + c.name() + " declares no archiving");
     const Ref<Object> o = record.makeEmpty();
     keep(number, o);
-    record.decode(*o, owner);
+    placing([&] { record.decode(*o, owner); });
     if (byte() != static_cast<unsigned char>(Tag::end)) {
       fail(std::string("an object of the class ") + c.name() + " holds more than it decodes");
     }
@@ -291,12 +328,21 @@ struct Unarchiver::State {
     }
   }
 
+  // Members of sets whose difference lies deep within them hash alike, and are compared each with
+  // each: an archive made for that shall not take the square of its size.
+  static constexpr std::uint64_t kFreeComparisons = std::uint64_t{1} << 21;
+  static constexpr std::uint64_t kComparisonsOfByte = 4;
+  // How every reason begins.
+  static constexpr const char* kFailure = "archive, byte ";
+
   Unarchiver& owner;
   std::string bytes;
   std::size_t at = 0;
+  std::size_t promised = 0;  // values that the containers being decoded still wait for
   std::vector<PropertyValue> objects;
   std::vector<const Class*> classes;
   detail::DictionaryBuilder builder;
+  detail::EqualityBudget equalities;
   std::vector<std::size_t> open;  // numbers of the objects that are being decoded, outermost first
 };
 

@@ -25,10 +25,6 @@ const Ref<String>& keyPathKey() {
 
 constexpr Selector kRemove = "removeObjectForKey:";
 
-void refuseArray(const PropertyValue& parent) {
-  if (parent.isArray()) detail::raiseUnsupported(parent, kRemove);
-}
-
 // The object that an archive holds; what is no data raises.
 PropertyValue unarchived(const PropertyValue& value) {
   if (value.isNil()) return {};
@@ -148,9 +144,7 @@ void QXPreferences::write(const PropertyValue& value, StringArg keyPath) {
   const PropertyValue kept = value;
   {
     const SyncScope scope(appliesImmediately_ ? this : nullptr);
-    // An element can not be removed by its index; that fails before anything is touched.
     const bool isRemoval = kept.isNil();
-    if (isRemoval) refuseArray(detail::walkPath(parts_->root, keyPath, false).parent);
     const PropertyValue parent = detail::walkPath(parts_->root, keyPath, true).parent;
     const detail::WrittenNames names = detail::namesOfWrite(keyPath, parts_->path != nullptr);
     if (isRemoval) {

@@ -19,7 +19,7 @@ PropertyValue selectorName(const detail::Subject& subject, const detail::Payload
 }  // namespace
 
 QXKeyValueQualifier::QXKeyValueQualifier() : QXKeyValueQualifier(nullptr, Selector(), nullptr) {}
-QXKeyValueQualifier::QXKeyValueQualifier(StringArg key, Selector operatorSelector,
+QXKeyValueQualifier::QXKeyValueQualifier(StringArg key, SelectorFor<1> operatorSelector,
                                          const PropertyValue& value)
     : test_(std::make_unique<detail::ConstantTest>(key.string(), operatorSelector, value)) {}
 QXKeyValueQualifier::~QXKeyValueQualifier() = default;
@@ -41,7 +41,8 @@ Ref<Object> QXKeyValueQualifier::copy() const { return initWithKey(key(), select
 
 QXKeyComparisonQualifier::QXKeyComparisonQualifier()
     : QXKeyComparisonQualifier(nullptr, Selector(), nullptr) {}
-QXKeyComparisonQualifier::QXKeyComparisonQualifier(StringArg leftKey, Selector operatorSelector,
+QXKeyComparisonQualifier::QXKeyComparisonQualifier(StringArg leftKey,
+                                                   SelectorFor<1> operatorSelector,
                                                    StringArg rightKey)
     : test_(std::make_unique<detail::KeyPairTest>(leftKey.string(), operatorSelector,
                                                   rightKey.string())) {}

@@ -8,6 +8,7 @@
 
 #include "frame/utf.h"
 #include "qualifiers/format_parser.h"
+#include "qualifiers/operator_table.h"
 #include "qualifiers/tree_printer.h"
 
 namespace qx::detail {
@@ -27,6 +28,22 @@ std::string quotation(std::string_view piece) {
     text = String::from(piece.substr(0, cut ? kMaxQuotation + 4 : piece.size()))->utf8();
   }
   return '"' + shortened(std::move(text), kMaxQuotation) + '"';
+}
+
+bool equalIgnoringCase(std::string_view a, std::string_view b) {
+  const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; };
+  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                    [&](char x, char y) { return lower(x) == lower(y); });
+}
+
+// What to write instead of text that is no operator.
+std::string operatorAdvice(std::string_view text) {
+  for (const OperatorText& o : kOperators) {
+    if (equalIgnoringCase(text, o.text)) return "this one is written " + std::string(o.text);
+  }
+  if (text.starts_with('.')) return "a key path is given as an argument, for %s";
+  if (text.starts_with('\'') || text.starts_with('"')) return "a key is not quoted";
+  return "operators stand between blanks";
 }
 
 // Builds the tree as the parser does, and remarks on what it sees. Positions become columns at the
@@ -63,6 +80,11 @@ class RemarkingBuilder : public TreeBuilder {
   void quoted(std::size_t closing);
   bool argument(char letter, bool whole, std::size_t position) {
     isBareWord_ = false;
+    if (whole && position > tokenStart_) {
+      note(Kind::textDropped, tokenStart_,
+           quotation(format().substr(tokenStart_, position - tokenStart_)) +
+               " is dropped: the argument alone is the value");
+    }
     return TreeBuilder::argument(letter, whole, position);
   }
   void endComparison(bool constant);
@@ -110,9 +132,7 @@ void RemarkingBuilder::operatorText(std::string_view text, std::size_t position)
   const std::string what =
       text.empty() ? "there is no operator here" : quotation(text) + " is no operator";
   note(Kind::unknownOperator, position,
-       what +
-           ": the comparison is false for every object; operators stand between blanks, a key is "
-           "not quoted");
+       what + ": the comparison is false for every object; " + operatorAdvice(text));
 }
 
 void RemarkingBuilder::castTo(std::string_view className, std::size_t position) {
@@ -156,10 +176,10 @@ void RemarkingBuilder::endComparison(bool constant) {
     note(Kind::classWithoutText, tokenStart_,
          "the class makes nothing of the text: the value is nil");
   }
-  if (form() == Form::nil && !constant) {
-    note(Kind::nilKey, tokenStart_,
-         "nil is taken as an absent key, which never equals a value; to test for absence compare "
-         "with %@ and null");
+  if (form() == Form::nil) {
+    note(Kind::nilValue, tokenStart_,
+         "nothing equals nil, not even what is missing; to test for absence compare with %@ and "
+         "null");
   }
   if (isBareWord_) noteBareWord(constant);
   constantBefore_ = constant;

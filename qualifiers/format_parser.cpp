@@ -152,14 +152,24 @@ void TreeBuilder::endComparison(bool constant) {
   if (negated_) current_ = QXNotQualifier::initWithQualifier(current_);
 }
 
+// A scanner tells of a connective, and of the end, behind a comparison only.
+const Ref<QXQualifier>& TreeBuilder::lastComparison() const {
+  if (current_ == nullptr) {
+    raiseInvalidArgument("_qualifierWithQualifierFormat:arguments: -- QXQualifier 0x" +
+                         addressText(&classOf<QXQualifier>()) + ": missing qualifier");
+  }
+  return current_;
+}
+
 // A change of the connective wraps what there is, and leaves the comparison before it out.
 void TreeBuilder::connective(format::Connective word, std::size_t, bool) {
+  const Ref<QXQualifier>& comparison = lastComparison();
   if (word == combinator_) {
-    list_->addObject(current_);
+    list_->addObject(comparison);
     return;
   }
   const PropertyValue first =
-      combinator_ == format::Connective::none ? current_ : joined(combinator_, list_);
+      combinator_ == format::Connective::none ? comparison : joined(combinator_, list_);
   list_ = MutableArray::init();
   list_->addObject(first);
   combinator_ = word;
@@ -167,12 +177,7 @@ void TreeBuilder::connective(format::Connective word, std::size_t, bool) {
 
 Ref<QXQualifier> TreeBuilder::take() {
   if (combinator_ == format::Connective::none) return current_;
-  // Every scan ends behind a comparison, so that this stands guard over the scanner alone.
-  if (current_ == nullptr) {
-    raiseInvalidArgument("_qualifierWithQualifierFormat:arguments: -- QXQualifier 0x" +
-                         addressText(&classOf<QXQualifier>()) + ": missing qualifier");
-  }
-  list_->addObject(current_);
+  list_->addObject(lastComparison());
   return joined(combinator_, list_);
 }
 

@@ -71,6 +71,8 @@ class TreeBuilder : public format::IgnoringSink {
   PropertyValue converted(char letter, const PropertyValue& argument, std::size_t position) const;
   PropertyValue rightValue() const;
   Ref<QXQualifier> comparison(bool constant) const;
+  // Raises where there is none.
+  const Ref<QXQualifier>& lastComparison() const;
   [[noreturn]] void raiseMismatch(char letter, const char* wanted, const PropertyValue& got,
                                   std::size_t position) const;
 

@@ -23,7 +23,8 @@ inline char* writeTwoDigits(char* out, std::uint32_t n) noexcept {
 // least, and a minus where it is below 0.
 inline char* writeDateAndTime(char* out, std::int64_t seconds) noexcept {
   const std::int64_t days = floorDivide(seconds, kSecondsPerDay);
-  const auto second = static_cast<std::uint32_t>(seconds - days * kSecondsPerDay);
+  // Not what is left of the days' seconds: the first day there is begins before the least number.
+  const auto second = static_cast<std::uint32_t>(floorModulo(seconds, kSecondsPerDay));
   const CivilDate date = civilDate(days);
   std::int64_t year = date.year;
   if (year < 0) {

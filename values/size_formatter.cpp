@@ -1,22 +1,37 @@
 #include <charconv>
 #include <cstring>
 #include <optional>
+#include <string_view>
 
 #include <QXFoundation/number.h>
 #include <QXFoundation/selector.h>
 #include <QXFoundation/size_formatter.h>
 
 #include "frame/library_class.h"
+#include "frame/string_storage.h"
 
 namespace qx {
 
 namespace {
 
+// A text that is an integer and nothing else, as nearly all are, needs no decimal number.
+std::optional<std::int64_t> plainInteger(const String& text) {
+  const detail::TextSpan span = detail::StringStorage::span(text);
+  if (span.wide) return std::nullopt;
+  const std::string_view digits = span.latin1View();
+  std::int64_t n = 0;
+  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), n);
+  if (error != std::errc() || end != digits.data() + digits.size()) return std::nullopt;
+  return n;
+}
+
 std::optional<std::int64_t> countOf(const PropertyValue& value) {
   constexpr Selector kLongLongValue = "longLongValue";
   if (value.isNumber()) return value.integerValue();
   if (value.isString()) {
-    return DecimalNumber::decimalNumberWithString(value.as<String>())->longLongValue();
+    const auto& text = static_cast<const String&>(*value.object());
+    const auto n = plainInteger(text);
+    return n ? *n : DecimalNumber::decimalNumberWithString(text)->longLongValue();
   }
   if (!value.respondsToSelector(kLongLongValue)) return std::nullopt;
   return performSelector(value, kLongLongValue).integerValue();

@@ -11,6 +11,7 @@
 #include <QXFoundation/character_set.h>
 #include <QXFoundation/class.h>
 #include <QXFoundation/class_builder.h>
+#include <QXFoundation/constants.h>
 #include <QXFoundation/data.h>
 #include <QXFoundation/data_cursor.h>
 #include <QXFoundation/date.h>
@@ -22,10 +23,12 @@
 #include <QXFoundation/filter.h>
 #include <QXFoundation/formatter.h>
 #include <QXFoundation/fraction_number.h>
+#include <QXFoundation/from_value.h>
 #include <QXFoundation/fwd.h>
 #include <QXFoundation/geometry.h>
 #include <QXFoundation/iso_date.h>
 #include <QXFoundation/key_order_sorting.h>
+#include <QXFoundation/member_access.h>
 #include <QXFoundation/mutable_array_operations.h>
 #include <QXFoundation/notification_center.h>
 #include <QXFoundation/number.h>
@@ -47,6 +50,7 @@
 #include <QXFoundation/qualifier_explanation.h>
 #include <QXFoundation/qualifier_format.h>
 #include <QXFoundation/qualifier_key.h>
+#include <QXFoundation/reference_count.h>
 #include <QXFoundation/rfc3339.h>
 #include <QXFoundation/run_loop.h>
 #include <QXFoundation/selector.h>

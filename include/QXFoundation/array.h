@@ -19,7 +19,7 @@ struct ArrayStorage;
 }
 
 // An immutable array; elements are never nil. The class is "NSArray". As thread-safe as its
-// elements.
+// elements. Equality and description have limits, see PropertyValue.
 class QX_EXPORT Array : public Object {
  public:
   // Copies the values; nil among them raises InvalidArgumentException.
@@ -37,7 +37,9 @@ class QX_EXPORT Array : public Object {
   std::size_t indexOfObject(const PropertyValue& value) const;
   std::size_t indexOfObjectIdenticalTo(const PropertyValue& value) const;
   bool isEqualToArray(In<Array> other) const;
+  // Nil raises InvalidArgumentException.
   Ref<Array> arrayByAddingObject(const PropertyValue& value) const;
+  // A range that leaves the array raises RangeException.
   Ref<Array> subarrayWithRange(Range range) const;
 
   // Borrowed; a mutable array's ends with its next change.
@@ -81,10 +83,12 @@ class QX_EXPORT MutableArray : public Array {
   virtual void removeLastObject();
   virtual void removeAllObjects();
 
+  // A nil array counts as empty.
   virtual void addObjectsFromArray(In<Array> other);
   void setArray(In<Array> other);
+  // An index out of range raises RangeException, and nothing changes.
   void exchangeObjectAtIndex(std::size_t index, std::size_t withObjectAtIndex);
-  // Removes every equal element.
+  // Removes every equal element; nil does nothing.
   void removeObject(const PropertyValue& value);
   void reserve(std::size_t capacity);
 

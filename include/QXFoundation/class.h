@@ -85,6 +85,12 @@ enum class FieldType : std::uint8_t {
   value,  // PropertyValue
 };
 
+// What a field or parameter takes of values, told without taking it.
+struct Taken {
+  bool (*fits)(const PropertyValue&);
+  const char* (*wanted)();  // for people: "a string"
+};
+
 struct Operation;
 
 struct Property {
@@ -98,6 +104,8 @@ struct Property {
   // The class's operation "setName:", which stores what has no `set`; null: read-only. Found when
   // the class is built.
   const Operation* setter = nullptr;
+  // What `set` takes; null: it alone knows.
+  const Taken* taken = nullptr;
 };
 
 struct Operation {
@@ -106,6 +114,8 @@ struct Operation {
                         const PropertyValue* arguments);
   std::size_t argumentCount;
   Payload payload;
+  // What its only argument may be; null: `call` alone knows, or takes another number of arguments.
+  const Taken* taken = nullptr;
 };
 
 // Which of the two sides of a class an operation is sought on.

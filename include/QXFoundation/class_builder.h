@@ -15,188 +15,58 @@
 // A plain struct is described in the same way; its instances work with qualifiers (`qx::Matching`).
 #pragma once
 
-#include <bit>
 #include <concepts>
-#include <cstring>
-#include <optional>
-#include <string>
+#include <string_view>
 #include <type_traits>
 #include <typeinfo>
-#include <utility>
 
 #include <QXFoundation/class.h>
+#include <QXFoundation/from_value.h>
+#include <QXFoundation/member_access.h>
 
 namespace qx {
 
-// C++ types whose values become a PropertyValue by themselves.
-template <class M>
-concept ValueLike = std::convertible_to<const M&, PropertyValue>;
-
-// How a C++ type comes out of a value; the wrong kind raises InvalidArgumentException. Specialise
-// it for own types.
-template <class M>
-struct FromValue;
-
 namespace detail {
-[[noreturn]] QX_EXPORT void raiseKind(const char* wanted, const PropertyValue& got);
-template <class M>
-M strictly(const PropertyValue& v, const char* wanted) {
-  auto x = v.to<M>();
-  if (!x) raiseKind(wanted, v);
-  return *std::move(x);
-}
-}  // namespace detail
-
-template <Integer I>
-struct FromValue<I> {
-  static I get(const PropertyValue& v) { return detail::strictly<I>(v, "an integer that fits"); }
-};
-template <>
-struct FromValue<bool> {
-  static bool get(const PropertyValue& v) { return detail::strictly<bool>(v, "a bool"); }
-};
-template <detail::Floating F>
-struct FromValue<F> {
-  static F get(const PropertyValue& v) { return detail::strictly<F>(v, "a number"); }
-};
-template <>
-struct FromValue<std::string> {
-  static std::string get(const PropertyValue& v) {
-    return detail::strictly<std::string>(v, "a string");
-  }
-};
-template <>
-struct FromValue<PropertyValue> {
-  static PropertyValue get(const PropertyValue& v) { return v; }
-};
-template <class T>
-struct FromValue<Ref<T>> {  // nil gives nil
-  static Ref<T> get(const PropertyValue& v) {
-    Ref<T> r = v.as<T>();
-    if (r == nullptr && !v.isNil()) detail::raiseKind(classOf<T>().name(), v);
-    return r;
-  }
-};
-template <class M>
-struct FromValue<std::optional<M>> {  // nil gives nothing
-  static std::optional<M> get(const PropertyValue& v) {
-    if (v.isNil()) return std::nullopt;
-    return FromValue<M>::get(v);
-  }
-};
-
-template <class M>
-concept Settable = requires(const PropertyValue& v) {
-  { FromValue<M>::get(v) } -> std::same_as<M>;
-};
-
-namespace detail {
-
-template <class M>
-struct IsOptional : std::false_type {};
-template <class M>
-struct IsOptional<std::optional<M>> : std::bool_constant<ValueLike<M>> {};
-
-template <class M>
-concept Readable = ValueLike<M> || IsOptional<M>::value;
-
-// What an operation may take and give.
-template <class A>
-concept Argument =
-    Settable<std::remove_cvref_t<A>> && std::is_convertible_v<std::remove_cvref_t<A>, A>;
-template <class R>
-concept Result = std::is_void_v<R> || Readable<std::remove_cvref_t<R>>;
-
-template <class M>
-PropertyValue toValue(const M& m) {
-  if constexpr (IsOptional<M>::value) {
-    return m ? PropertyValue(*m) : PropertyValue();
-  } else {
-    return m;
-  }
-}
-
-template <class X>
-Payload pack(X x) {
-  static_assert(sizeof(X) <= sizeof(Payload) && std::is_trivially_copyable_v<X>);
-  Payload p;
-  std::memcpy(p.bytes, &x, sizeof x);
-  return p;
-}
-template <class X>
-X unpack(const Payload& p) {
-  X x;
-  std::memcpy(&x, p.bytes, sizeof x);
-  return x;
-}
-
-template <class C, class M>
-PropertyValue getField(const Subject& s, const Payload& p) {
-  return toValue(s.as<C>().*unpack<M C::*>(p));
-}
-template <class C, class M>
-void setField(const Subject& s, const Payload& p, const PropertyValue& v) {
-  s.mutableAs<C>().*unpack<M C::*>(p) = FromValue<M>::get(v);
-}
-template <class C, class R, class F>
-PropertyValue callGetter(const Subject& s, const Payload& p) {
-  return toValue<std::remove_cvref_t<R>>((s.as<C>().*unpack<F>(p))());
-}
-
-template <class C, class M>
-const void* fieldAddress(const Subject& s, const Payload& p) {
-  return &(s.as<C>().*unpack<M C::*>(p));
-}
-template <class V>
-constexpr FieldType fieldType() {
-  if constexpr (std::same_as<V, bool>) {
-    return FieldType::boolean;
-  } else if constexpr (Integer<V>) {
-    constexpr FieldType kSigned[] = {FieldType::int8, FieldType::int16, FieldType::int32,
-                                     FieldType::int64};
-    constexpr FieldType kUnsigned[] = {FieldType::uint8, FieldType::uint16, FieldType::uint32,
-                                       FieldType::uint64};
-    constexpr int kWidth = std::countr_zero(sizeof(V));
-    return std::is_signed_v<V> ? kSigned[kWidth] : kUnsigned[kWidth];
-  } else if constexpr (Floating<V>) {
-    return std::same_as<V, float> ? FieldType::single : FieldType::real;
-  } else if constexpr (std::same_as<V, PropertyValue>) {
-    return FieldType::value;
-  } else {
-    return std::same_as<V, std::string> ? FieldType::text : FieldType::none;
-  }
-}
-
-template <class F, class C, class R, class... A, std::size_t... I>
-PropertyValue callMember(const PropertyValue& receiver, const Payload& p,
-                         [[maybe_unused]] const PropertyValue* a, std::index_sequence<I...>) {
-  auto f = unpack<F>(p);
-  auto& target = static_cast<C&>(*receiver.object());
-  if constexpr (std::is_void_v<R>) {
-    (target.*f)(FromValue<std::remove_cvref_t<A>>::get(a[I])...);
-    return {};
-  } else {
-    return toValue<std::remove_cvref_t<R>>(
-        (target.*f)(FromValue<std::remove_cvref_t<A>>::get(a[I])...));
-  }
-}
-template <class F, class R, class... A, std::size_t... I>
-PropertyValue callFree(const PropertyValue& receiver, const Payload& p,
-                       [[maybe_unused]] const PropertyValue* a, std::index_sequence<I...>) {
-  auto f = unpack<F>(p);
-  if constexpr (std::is_void_v<R>) {
-    f(receiver, FromValue<std::remove_cvref_t<A>>::get(a[I])...);
-    return {};
-  } else {
-    return toValue<std::remove_cvref_t<R>>(
-        f(receiver, FromValue<std::remove_cvref_t<A>>::get(a[I])...));
-  }
-}
 
 template <class T>
 concept Coded = requires(const T& t, T& u, Archiver& a, Unarchiver& d) {
   t.encodeWithCoder(a);
   u.decodeWithCoder(d);
+};
+
+template <class Coder, class T>
+concept CoderOf = requires(const T& t, T& u, Archiver& a, Unarchiver& d) {
+  Coder::encode(t, a);
+  Coder::decode(u, d);
+};
+
+// What every object does by a virtual function, so that `==`, containers and copies hear of it. An
+// operation of that name would be heard by selector alone.
+constexpr bool isVirtualOperation(std::string_view name) {
+  return name == "isEqual:" || name == "hash" || name == "description" || name == "copy" ||
+         name == "mutableCopy";
+}
+void override_isEqual_hash_description_copy_or_mutableCopy_instead();  // never defined: named in
+                                                                       // the compiler's message
+[[noreturn]] QX_EXPORT void raiseVirtualOperation(Selector name);
+
+// The selector of an operation that a class declares. Names of virtual functions are refused: by
+// the compiler for a literal, else by InvalidArgumentException.
+template <std::size_t N>
+class DeclaredSelector {
+ public:
+  template <std::size_t M>
+  consteval DeclaredSelector(const char (&text)[M]) : selector_(text) {
+    if (isVirtualOperation({text, M - 1}))
+      override_isEqual_hash_description_copy_or_mutableCopy_instead();
+  }
+  constexpr DeclaredSelector(Selector s) : selector_(s) {
+    if (isVirtualOperation(s.text())) raiseVirtualOperation(s);
+  }
+  constexpr operator Selector() const { return selector_; }
+
+ private:
+  SelectorFor<N> selector_;
 };
 
 // "age" -> "setAge:"
@@ -211,15 +81,14 @@ class QX_EXPORT ClassBuilderBase {
   // Adds an operation whose receiver is any value of the class: f(receiver, arguments...).
   template <class R, class... A>
   void addFunction(SelectorFor<sizeof...(A)> s, R (*f)(const PropertyValue&, A...)) {
-    static_assert((Argument<A> && ...),
-                  "operation(selector, f): a parameter of f cannot be made from a PropertyValue");
-    static_assert(Result<R>, "operation(selector, f): what f gives cannot become a PropertyValue");
-    using F = R (*)(const PropertyValue&, A...);
-    addOperation({s,
-                  [](const PropertyValue& r, const Payload& p, const PropertyValue* a) {
-                    return callFree<F, R, A...>(r, p, a, std::index_sequence_for<A...>{});
-                  },
-                  sizeof...(A), pack(f)});
+    checkSignature<R, A...>();
+    addOperation({s, &callFunction<R, A...>, sizeof...(A), pack(f), takenByOnly<A...>()});
+  }
+  // Adds an operation of the class object: f(arguments...).
+  template <class R, class... A>
+  void addClassFunction(SelectorFor<sizeof...(A)> s, R (*f)(A...)) {
+    checkSignature<R, A...>();
+    addClassOperation({s, &callStatic<R, A...>, sizeof...(A), pack(f)});
   }
   void addOperation(const Operation& operation);
   void addClassOperation(const Operation& operation);
@@ -229,6 +98,12 @@ class QX_EXPORT ClassBuilderBase {
 
  protected:
   explicit ClassBuilderBase(ClassRecord& record) : record_(record) {}
+  template <class R, class... A>
+  static constexpr void checkSignature() {
+    static_assert((Argument<A> && ...),
+                  "operation(selector, f): a parameter of f cannot be made from a PropertyValue");
+    static_assert(Result<R>, "operation(selector, f): what f gives cannot become a PropertyValue");
+  }
   void setName(const char* name);
   void setSuper(const Class& super);
   void addProtocol(const Protocol& protocol, void* (*cast)(Object&));
@@ -292,7 +167,8 @@ class ClassBuilder : public detail::ClassBuilderBase {
         address = &detail::fieldAddress<OwnerOf<C>, M>;
       }
       addProperty({text, &detail::getField<OwnerOf<C>, M>, setter, address, kType,
-                   detail::pack(static_cast<M OwnerOf<C>::*>(field))});
+                   detail::pack(static_cast<M OwnerOf<C>::*>(field)), nullptr,
+                   detail::takenBy<V>()});
     }
     return *this;
   }
@@ -318,18 +194,37 @@ class ClassBuilder : public detail::ClassBuilderBase {
   }
 
   // A member function as an operation; its colons are counted against its parameters.
+  //
+  // A class may declare comparisons, such as "compare:" or "isLessThan:", which every form of
+  // comparing then uses. Where the parameter has a type (`const Ref<Person>&`), a comparison with
+  // what is none is false and the function is not called; the ordering operators do not call
+  // "compare:" with nil either. `compare` itself raises then, as does the function where it wants.
+  //
+  // "isEqual:", "hash", "description", "copy" and "mutableCopy" are refused: override the virtual
+  // functions, which `==` and the containers call.
   template <class R, class C, class... A>
-  ClassBuilder& operation(SelectorFor<sizeof...(A)> s, R (C::*f)(A...)) {
+  ClassBuilder& operation(detail::DeclaredSelector<sizeof...(A)> s, R (C::*f)(A...)) {
     return member<R (C::*)(A...), C, R, A...>(s, f);
   }
   template <class R, class C, class... A>
-  ClassBuilder& operation(SelectorFor<sizeof...(A)> s, R (C::*f)(A...) const) {
+  ClassBuilder& operation(detail::DeclaredSelector<sizeof...(A)> s, R (C::*f)(A...) const) {
     return member<R (C::*)(A...) const, C, R, A...>(s, f);
   }
   // A function whose first parameter is the receiver.
   template <class R, class... A>
-  ClassBuilder& operation(SelectorFor<sizeof...(A)> s, R (*f)(const PropertyValue&, A...)) {
-    addFunction(s, f);
+  ClassBuilder& operation(detail::DeclaredSelector<sizeof...(A)> s,
+                          R (*f)(const PropertyValue&, A...)) {
+    addFunction(Selector(s), f);
+    return *this;
+  }
+  // An operation of the class object, and of those of subclasses: a function of the arguments
+  // alone, such as a static member function.
+  //
+  //     c.classOperation("personNamed:", &Person::named);
+  //     qx::performSelector(qx::classOf<Person>(), "personNamed:", "Bob");
+  template <class R, class... A>
+  ClassBuilder& classOperation(SelectorFor<sizeof...(A)> s, R (*f)(A...)) {
+    addClassFunction(s, f);
     return *this;
   }
 
@@ -343,7 +238,8 @@ class ClassBuilder : public detail::ClassBuilderBase {
   }
 
   // How an instance is made from text, for a cast in a qualifier format: a function of StringArg
-  // that gives a Ref<T>, nil where the text is refused.
+  // that gives a Ref<T>, nil where the text is refused. A subclass does not inherit it, because it
+  // would make the wrong class.
   template <Ref<T> (*Make)(StringArg)>
   ClassBuilder& initialisedFromText() {
     setTextInitialiser([](StringArg text) -> PropertyValue { return Make(text); });
@@ -370,6 +266,12 @@ class ClassBuilder : public detail::ClassBuilderBase {
   // Archiver&)` and `Coder::decode(T&, Unarchiver&)`, both static.
   template <class Coder>
   ClassBuilder& archivedBy() {
+    static_assert(detail::CoderOf<Coder, T>,
+                  "archivedBy<Coder>(): Coder needs  static void encode(const T&, qx::Archiver&)  "
+                  "and  static void decode(T&, qx::Unarchiver&)");
+    static_assert(std::is_default_constructible_v<detail::Made<T>>,
+                  "archivedBy<Coder>(): T needs a default constructor: it is made empty, then "
+                  "decoded, so that cycles work");
     setCoding([](const Object& o, Archiver& a) { Coder::encode(static_cast<const T&>(o), a); },
               [](Object& o, Unarchiver& u) { Coder::decode(static_cast<T&>(o), u); },
               []() -> Ref<Object> { return make<T>(); });
@@ -386,17 +288,9 @@ class ClassBuilder : public detail::ClassBuilderBase {
     static_assert(std::is_base_of_v<Object, T>,
                   "operation(selector, f): a plain struct performs no operations");
     static_assert(std::is_base_of_v<C, T>, "operation(selector, f): f is not T's");
-    static_assert((detail::Argument<A> && ...),
-                  "operation(selector, f): a parameter of f cannot be made from a PropertyValue");
-    static_assert(detail::Result<R>,
-                  "operation(selector, f): what f gives cannot become a PropertyValue");
-    using O = std::conditional_t<std::is_base_of_v<Object, C>, C, T>;
-    addOperation({s,
-                  [](const PropertyValue& r, const detail::Payload& p, const PropertyValue* a) {
-                    return detail::callMember<F, O, R, A...>(r, p, a,
-                                                             std::index_sequence_for<A...>{});
-                  },
-                  sizeof...(A), detail::pack(f)});
+    checkSignature<R, A...>();
+    addOperation({s, &detail::callMember<F, OwnerOf<C>, R, A...>, sizeof...(A), detail::pack(f),
+                  detail::takenByOnly<A...>()});
     return *this;
   }
 };

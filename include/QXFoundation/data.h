@@ -25,7 +25,8 @@ class QX_EXPORT Data : public Object {
 
   bool isEqual(const PropertyValue& other) const override;
   std::size_t hash() const override;
-  // "<0a1b...>", hexadecimal in groups of four bytes.
+  // "<0a1b2c3d 4e>", hexadecimal in groups of four bytes; of more than 1024 bytes the first 1024,
+  // and "...".
   std::string description() const override;
   Ref<Object> copy() const override;
   Ref<Object> mutableCopy() const override;

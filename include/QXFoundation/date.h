@@ -28,7 +28,8 @@ class QX_EXPORT Date : public Object {
   double timeIntervalSince1970() const { return seconds_; }
   // The reference date is 2001-01-01 00:00:00 UTC.
   double timeIntervalSinceReferenceDate() const { return seconds_ - kReferenceDate; }
-  double timeIntervalSinceDate(In<Date> other) const { return seconds_ - other->seconds_; }
+  // Nil raises InvalidArgumentException.
+  double timeIntervalSinceDate(In<Date> other) const;
   // Raises InvalidArgumentException for what is no date.
   ComparisonResult compare(const PropertyValue& other) const;
 

@@ -29,7 +29,7 @@ struct Entry {
 };
 
 // An immutable dictionary; values are never nil. The class is "NSDictionary". As thread-safe as its
-// values.
+// values. Equality and description have limits, see PropertyValue.
 class QX_EXPORT Dictionary : public Object {
  public:
   // Of a key given twice the last value stays, at the first place. A nil key or value raises
@@ -92,15 +92,16 @@ class QX_EXPORT MutableDictionary : public Dictionary {
   static Ref<MutableDictionary> init();
   static Ref<MutableDictionary> dictionaryWithDictionary(In<Dictionary> other);
 
-  // The primitives. A nil key or value raises InvalidArgumentException, and nothing changes. A new
-  // key goes last; a mutable string as key is copied.
+  // The primitives. A nil key or value raises InvalidArgumentException, and nothing changes;
+  // removing under a key that is absent does nothing. A new key goes last; a mutable string as key
+  // is copied.
   virtual void setObject(const PropertyValue& value, StringArg forKey);
   virtual void removeObjectForKey(StringArg key);
   virtual void removeAllObjects();
 
   virtual void addEntriesFromDictionary(In<Dictionary> other);
   virtual void setDictionary(In<Dictionary> other);
-  // Nil as value removes the entry.
+  // Nil as value removes the entry; a nil key raises InvalidArgumentException.
   virtual void setValueForKey(const PropertyValue& value, StringArg key);
 
   Ref<Object> copy() const override;
@@ -118,6 +119,7 @@ QX_EXPORT const Class& classObject(detail::Type<Dictionary>);
 QX_EXPORT const Class& classObject(detail::Type<MutableDictionary>);
 
 // A dictionary of the entries given.
-[[nodiscard]] QX_EXPORT Ref<Dictionary> dict(std::initializer_list<Entry> entries = {});
+[[nodiscard]] QX_EXPORT Ref<Dictionary> dict();
+[[nodiscard]] QX_EXPORT Ref<Dictionary> dict(std::initializer_list<Entry> entries);
 
 }  // namespace qx

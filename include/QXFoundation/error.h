@@ -8,32 +8,16 @@
 #include <cstdint>
 #include <string>
 
+#include <QXFoundation/constants.h>
 #include <QXFoundation/dictionary.h>
 #include <QXFoundation/object.h>
 #include <QXFoundation/string.h>
 
 namespace qx {
 
-// Domains. The code of the first is the value of `errno`.
-inline constexpr char NSPOSIXErrorDomain[] = "NSPOSIXErrorDomain";
-inline constexpr char QXExtendedAttributesErrorDomain[] = "XAExtendedAttributesErrorDomain";
-inline constexpr char QXArchiveErrorDomain[] =
-    "QXArchiveErrorDomain";  // code 1: damaged or foreign
-inline constexpr char QXPropertyListErrorDomain[] =
-    "QXPropertyListErrorDomain";  // see PropertyListErrorCode
-
-// Keys of the user information.
-inline constexpr char NSLocalizedDescriptionKey[] = "NSLocalizedDescription";  // a sentence of text
-inline constexpr char NSURLErrorKey[] = "NSURL";                       // the file URL concerned
-inline constexpr char QXUnderlyingErrorsKey[] = "XAUnderlyingErrors";  // an array of errors
-inline constexpr char QXExtendedAttributeNameKey[] = "XAExtendedAttributeName";
-// Where a property list is wrong, as numbers: the byte (binary), or line and column (XML).
-inline constexpr char QXByteOffsetErrorKey[] = "QXByteOffset";  // from 0
-inline constexpr char QXLineErrorKey[] = "QXLine";              // from 1
-inline constexpr char QXColumnErrorKey[] = "QXColumn";          // characters, from 1
-
 // Operations that can fail take `Ref<Error>* error = nullptr`; it is filled on failure alone, and
-// may be absent. The class is "NSError". Immutable, thread-safe.
+// may be absent. Domains and keys of the user information are in constants.h. The class is
+// "NSError". Immutable, thread-safe.
 class QX_EXPORT Error : public Object {
  public:
   // A nil user information counts as empty; a nil domain raises.

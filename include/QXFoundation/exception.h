@@ -7,22 +7,15 @@
 #include <exception>
 #include <string>
 
+#include <QXFoundation/constants.h>
 #include <QXFoundation/fwd.h>
 
 namespace qx {
 
-// The exceptions' names, as `name()` gives them.
-inline constexpr char NSInvalidArgumentException[] = "NSInvalidArgumentException";
-inline constexpr char NSInternalInconsistencyException[] = "NSInternalInconsistencyException";
-inline constexpr char NSRangeException[] = "NSRangeException";
-inline constexpr char NSGenericException[] = "NSGenericException";
-inline constexpr char QXQualifierVariableSubstitutionException[] =
-    "QXQualifierVariableSubstitutionException";
-
 // What every raise throws: a name, and a sentence that tells what went wrong.
 class QX_EXPORT Exception : public std::exception {
  public:
-  // The name lives for ever (a literal).
+  // The name lives for ever (a literal); those of the library are in constants.h.
   Exception(const char* name, std::string reason);
   ~Exception() override;
   const char* name() const noexcept { return name_; }

@@ -32,18 +32,15 @@ QX_EXPORT Ref<Date> dateFromISO8601Text(StringArg text);
 // 1970-01-01 00:00:00 UTC. Of other values only strings have a date:
 //
 //     DATE "T" TIME ZONE, "T" TIME ZONE or TIME ZONE
-//     DATE: ["-"] year "-" month "-" day           any number of digits each
-//     TIME: hour ":" minute [":" second ["." fraction]]      the numbers may be empty, for 0
-//     ZONE: nothing, "Z", or ("+" or "-") hours ":" minutes  hours to 23, minutes to 59, either may
-//     be empty
+//     DATE: ["-"] year "-" month "-" day                 any number of digits each
+//     TIME: hour ":" minute [":" second ["." fraction]]  an empty hour, minute or second is 0
+//     ZONE: nothing, "Z", or ("+" or "-") hh ":" mm      to 23 and 59; an empty one is 0
 //
 // - Numbers above 2147483647 are refused; months, days, hours, minutes and seconds beyond their
-// range become the
-//   nearest in range (a 31st of a shorter month is a day of the next).
+//   range become the nearest in range (a 31st of a shorter month is a day of the next).
 // - Without seconds the time is midnight. A fraction is cut to nanoseconds.
 // - Without an offset, and with "Z", the time is local (proleptic Gregorian, `TZ` honoured): a time
-// that is
-//   skipped moves forward by the gap, one that comes twice is the earlier.
+//   that is skipped moves forward by the gap, one that comes twice is the earlier.
 // - A text without date, and the date 0-0-0, stand for 0001-01-01. Year 0 comes before year 1.
 [[nodiscard]] QX_EXPORT Ref<Date> qxDateFromISO8601String(const PropertyValue& value);
 template <Utf8Text S>

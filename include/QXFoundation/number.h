@@ -58,20 +58,22 @@ class QX_EXPORT Number : public Object {
 };
 
 // A decimal number of 38 significant digits and an exponent of -128 to 127, exact in text and
-// comparison. The class is "NSDecimalNumber". Immutable, thread-safe.
+// comparison. The class is "NSDecimalNumber". Immutable, thread-safe. Overflow gives NaN, what is
+// nearer to 0 than to the least number gives 0; NaN in an operation gives NaN.
 class QX_EXPORT DecimalNumber : public Number {
  public:
-  // The number at the start of the text ("-12.50", "1e3"); NaN where there is none. Digits beyond
-  // 38 are rounded.
+  // The number at the start of the text ("-12.50", "1e3"); NaN where there is none, nil for nil.
+  // Digits beyond 38 are rounded half to even.
   static Ref<DecimalNumber> initWithString(StringArg text);
   static Ref<DecimalNumber> decimalNumberWithString(StringArg text) { return initWithString(text); }
   // The exact decimal of an integer; the shortest decimal that reads back as a floating number.
+  // What is no number, and nil, raises InvalidArgumentException.
   static Ref<DecimalNumber> fromNumber(const PropertyValue& number);
   static Ref<DecimalNumber> notANumber();
 
   bool isNaN() const;
-  // Rounded half away from zero where 38 digits do not hold the result; overflow and division by
-  // zero give NaN.
+  // Rounded half away from zero where 38 digits do not hold the result; division by zero gives NaN.
+  // Nil raises InvalidArgumentException, by selector a number of another class too.
   Ref<DecimalNumber> decimalNumberByAdding(In<DecimalNumber> other) const;
   Ref<DecimalNumber> decimalNumberBySubtracting(In<DecimalNumber> other) const;
   Ref<DecimalNumber> decimalNumberByMultiplyingBy(In<DecimalNumber> other) const;

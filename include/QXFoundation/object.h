@@ -5,7 +5,6 @@
 //     qx::Ref<Person> p = qx::make<Person>("Bob");   // counted; freed with the last Ref
 #pragma once
 
-#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <new>
@@ -14,6 +13,7 @@
 #include <utility>
 
 #include <QXFoundation/fwd.h>
+#include <QXFoundation/reference_count.h>
 
 namespace qx {
 
@@ -117,9 +117,9 @@ class QX_EXPORT Object {
   virtual PropertyValue valueForUndefinedKey(StringArg key) const;
   virtual void setValueForUndefinedKey(const PropertyValue& value, StringArg key);
 
-  void retain() const noexcept { refs_.fetch_add(kOne, std::memory_order_relaxed); }
+  void retain() const noexcept { detail::addReferences(refs_, kOne); }
   void release() const noexcept {
-    if ((refs_.fetch_sub(kOne, std::memory_order_acq_rel) & ~kWatched) == kOne) destroy();
+    if ((detail::dropReferences(refs_, kOne) & ~kWatched) == kOne) destroy();
   }
 
   // Objects with values behind them are larger than their type: memory is given back without a
@@ -149,7 +149,7 @@ class QX_EXPORT Object {
 
   void destroy() const noexcept;
 
-  mutable std::atomic<std::uint32_t> refs_{kOne};
+  mutable detail::ReferenceCount refs_{kOne};
   std::uint16_t classIndex_ = 0;
   detail::ObjectKind kind_ = detail::ObjectKind::object;
   std::uint8_t bits_ = 0;
@@ -250,7 +250,7 @@ struct ObjectAccess {
     o.classIndex_ = index;
     o.bits_ = static_cast<std::uint8_t>(o.bits_ | overrideBits);
   }
-  static std::atomic<std::uint32_t>& refs(const Object& o) { return o.refs_; }
+  static ReferenceCount& refs(const Object& o) { return o.refs_; }
   static constexpr std::uint32_t kWatched = Object::kWatched;
   static constexpr std::uint32_t kOne = Object::kOne;
   static constexpr std::uint32_t kDying = Object::kDying;

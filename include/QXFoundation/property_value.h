@@ -139,7 +139,7 @@ class PropertyValue {
   // Lenient views: numbers convert (integers wrap to the narrower width, floating and decimal ones
   // are cut toward zero and stop at the width's limits, NaN gives 0; true is what is not zero, NaN
   // included), strings are read as number text (see String), nil and every other kind gives 0 or
-  // false.
+  // false. float and double are the nearest to the exact number, rounded once.
   QX_EXPORT int intValue() const;
   QX_EXPORT std::int64_t integerValue() const;
   QX_EXPORT std::uint64_t unsignedIntegerValue() const;
@@ -167,7 +167,11 @@ class PropertyValue {
   T* peek() const&& = delete;  // the value dies at the ';': use as<T>()
 
   // What every value answers. Nil: no class, equal to nothing but nil, empty description, false or
-  // nil.
+  // nil. Asking for a selector or protocol that nobody declares is no error.
+  //
+  // Descriptions of containers end at 60 levels and at about 16 MiB, those of data after 1024
+  // bytes; "..." stands for the rest. A null or number has no mutable copy: that raises
+  // InvalidArgumentException, as both copies of an object do whose class offers none.
   QX_EXPORT const Class* cls() const;
   QX_EXPORT bool isKindOfClass(const Class& cls) const;
   QX_EXPORT bool respondsToSelector(Selector selector) const;
@@ -178,18 +182,26 @@ class PropertyValue {
   QX_EXPORT PropertyValue mutableCopy() const;
 
   // Key access. A missing property, entry or step, a nil key and a nil receiver read as nil. Arrays
-  // give the array of their elements' values, null for nil.
+  // give the array of their members' values, null for nil, and sets the set of them. Plain numbers
+  // and null have no properties. Collections within collections beyond 500 levels raise
+  // InvalidArgumentException.
   QX_EXPORT PropertyValue valueForKey(StringArg key) const;
   QX_EXPORT PropertyValue valueForKeyPath(StringArg path) const;
   PropertyValue operator[](StringArg key) const { return valueForKey(key); }
-  // Stores under the named property or key; an array stores on each of its elements. Raises
-  // InvalidArgumentException where there is nothing settable of that name. Nil as receiver does
-  // nothing.
+  // Stores under the named property or key; an array stores on each of its elements, to the same
+  // depth; a set refuses. Raises InvalidArgumentException where there is nothing settable of that
+  // name, where the property does not take the value, and for a nil key. Nil as value removes a
+  // dictionary's entry; nil as receiver does nothing.
   QX_EXPORT void setValue(const PropertyValue& value, StringArg forKey) const;
 
-  // The comparison operations, this value on the left; false where the two kinds do not compare,
-  // and for nil.
+  // Value equality: like `==`, and so true for nil with nil. Arrays and dictionaries compare at any
+  // depth; sets, and application classes that compare what they hold, raise
+  // InvalidArgumentException beyond 500 comparisons within each other.
   bool isEqual(const PropertyValue& other) const { return isEqualImpl(*this, other); }
+  // The comparison operations, this value on the left; false for nil as receiver (`isNotEqualTo`
+  // too, as a message to nil gives no), and false where the two kinds do not compare, for which
+  // `isNotEqualTo` is true. The four orders never raise by themselves: where a class declares
+  // `compare:` with a typed parameter, what does not fit it, and nil, is neither less nor greater.
   QX_EXPORT bool isEqualTo(const PropertyValue& other) const;
   QX_EXPORT bool isNotEqualTo(const PropertyValue& other) const;
   QX_EXPORT bool isLessThan(const PropertyValue& other) const;
@@ -307,6 +319,7 @@ class PropertyValue {
   QX_EXPORT std::optional<std::int64_t> exactSigned() const;
   QX_EXPORT std::optional<std::uint64_t> exactUnsigned() const;
   QX_EXPORT std::optional<double> exactReal() const;
+  QX_EXPORT std::optional<float> exactSingle() const;
   QX_EXPORT std::optional<std::string> exactText() const;
   QX_EXPORT Ref<Number> boxedNumber() const;
 
@@ -337,9 +350,11 @@ std::optional<T> PropertyValue::to() const {
     if (!i || static_cast<T>(*i) != *i) return std::nullopt;
     return static_cast<T>(*i);
   } else if constexpr (detail::Floating<T>) {
-    const auto d = exactReal();
-    if (!d) return std::nullopt;
-    return static_cast<T>(*d);
+    if constexpr (std::same_as<T, float>) {
+      return exactSingle();
+    } else {
+      return exactReal();
+    }
   } else {
     static_assert(std::same_as<T, std::string>,
                   "to<T>(): T is bool, an integer, float, double or std::string");

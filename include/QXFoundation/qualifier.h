@@ -11,15 +11,16 @@
 //
 //     comparison [and|or comparison]...      where a comparison is   [not] key operator value
 //
-// Operators stand between blanks: = (==)  != (<>)  <=  <  >=  >  contains  like
-// caseInsensitiveLike. Values:
+// A key is made of letters, digits and # $ % @ _; a key path, with its dots, comes as an argument:
+// "%s = %@". Operators are case-sensitive and stand between blanks: = (==)  != (<>)  <=  <  >=  >
+// contains  like caseInsensitiveLike. Values:
 //
 //     %@ %d %f %s       the next argument: any value, an integer, a floating-point number (narrowed
 //                       to single precision), text
 //     'text' "text"     text
 //     word              the second key of a comparison of two keys; text, once a constant stood
 //                       before it
-//     nil               no value
+//     nil               no value, which nothing equals: absence is compared with %@ and null
 //     (Class)word       an instance that the class's text initialiser makes; also (Class)'text'
 //
 // Keys may hold conversions too ("%s = %d"); %% is a percent sign.
@@ -257,10 +258,12 @@ class QX_EXPORT QXNotQualifier : public QXQualifier {
 class QX_EXPORT QXKeyValueQualifier : public QXQualifier {
  public:
   QXKeyValueQualifier();
-  QXKeyValueQualifier(StringArg key, Selector operatorSelector, const PropertyValue& value);
+  QXKeyValueQualifier(StringArg key, SelectorFor<1> operatorSelector, const PropertyValue& value);
   static Ref<QXKeyValueQualifier> init();
   // Any operation of one argument that answers a bool will do; the null selector is false for every
-  // object. A mutable string as key is copied; the value is shared.
+  // object. A selector of another number of arguments, found only at run time, raises
+  // InvalidArgumentException in the evaluation of a value that has the operation. A mutable string
+  // as key is copied; the value is shared.
   static Ref<QXKeyValueQualifier> initWithKey(StringArg key, SelectorFor<1> operatorSelector,
                                               const PropertyValue& value);
 
@@ -286,7 +289,7 @@ class QX_EXPORT QXKeyValueQualifier : public QXQualifier {
 class QX_EXPORT QXKeyComparisonQualifier : public QXQualifier {
  public:
   QXKeyComparisonQualifier();
-  QXKeyComparisonQualifier(StringArg leftKey, Selector operatorSelector, StringArg rightKey);
+  QXKeyComparisonQualifier(StringArg leftKey, SelectorFor<1> operatorSelector, StringArg rightKey);
   static Ref<QXKeyComparisonQualifier> init();
   static Ref<QXKeyComparisonQualifier> initWithLeftKey(StringArg leftKey,
                                                        SelectorFor<1> operatorSelector,

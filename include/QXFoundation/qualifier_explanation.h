@@ -33,7 +33,8 @@ struct FormatRemark {
     bareWordIsKey,         // a bare word on the right is the name of another key
     bareWordIsConstant,    // a bare word on the right is text, because a constant stands before it
     emptyKey,              // there is no key, or no second key
-    nilKey,                // `nil` on the right is an absent key, so that the right value is nil
+    nilValue,              // `nil` on the right, which nothing equals
+    textDropped,           // text before a conversion: the argument alone is the value
     unknownClass,          // a cast names no class: the value is nil
     classWithoutText,      // a cast's class makes nothing of the text: the value is nil
     unbalanced,            // a quote or a cast is not closed

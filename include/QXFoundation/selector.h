@@ -16,7 +16,8 @@ namespace qx {
 namespace detail {
 void the_selector_needs_one_colon_for_each_argument();  // never defined: named in the compiler's
                                                         // message
-}
+struct SelectorAccess;
+}  // namespace detail
 
 // Two words, copied freely. The default one, like that of the empty text, is the null selector,
 // which nothing responds to. The text behind a selector lives as long as the process.
@@ -30,7 +31,7 @@ class Selector {
   }
 
   // The selector of that name; null for nil and for the empty text. Each new name is kept for the
-  // life of the process. Thread-safe.
+  // life of the process: names that come from outside are checked before. Thread-safe.
   QX_EXPORT static Selector named(StringArg text);
 
   constexpr bool isNull() const { return text_ == nullptr; }
@@ -49,6 +50,7 @@ class Selector {
   }
 
  private:
+  friend struct detail::SelectorAccess;
   struct Interned {};
   constexpr Selector(Interned, const char* text, std::uint32_t size)
       : text_(text), size_(size), hash_(hashOf({text, size})) {}

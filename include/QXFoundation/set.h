@@ -19,10 +19,10 @@ struct SetStorage;
 
 // An immutable set. The class is "NSSet". As thread-safe as its members, which must not change in
 // equality or hash while they are in a set. Comparing sets that nest more than 500 deep raises
-// InvalidArgumentException.
+// InvalidArgumentException. Key access reads from every member, but stores on none.
 class QX_EXPORT Set : public Object {
  public:
-  // Of equal members the first stays. Nil raises.
+  // Of equal members the first stays. A nil array raises InvalidArgumentException.
   static Ref<Set> from(In<Array> members);
 
   std::size_t count() const;
@@ -30,6 +30,7 @@ class QX_EXPORT Set : public Object {
   // The member equal to the value; nil when there is none.
   PropertyValue member(const PropertyValue& value) const;
   Ref<Array> allObjects() const;
+  // Nil as `other` raises InvalidArgumentException.
   bool isSubsetOfSet(In<Set> other) const;
 
   bool isEqual(const PropertyValue& other) const override;
@@ -56,6 +57,7 @@ class QX_EXPORT MutableSet : public Set {
 
   // An equal member that is there already stays. Nil raises InvalidArgumentException.
   void addObject(const PropertyValue& value);
+  // Nil, and what is no member, does nothing.
   void removeObject(const PropertyValue& value);
   void removeAllObjects();
 

@@ -55,6 +55,7 @@ class QX_EXPORT String : public Object {
   // Raises RangeException at or beyond the length.
   char16_t characterAtIndex(std::size_t index) const;
   std::string utf8() const;
+  std::string UTF8String() const { return utf8(); }
   std::u16string utf16() const;
 
   bool isEqualToString(StringArg other) const;
@@ -62,9 +63,12 @@ class QX_EXPORT String : public Object {
   ComparisonResult caseInsensitiveCompare(StringArg other) const;
   bool hasPrefix(StringArg prefix) const;
   bool hasSuffix(StringArg suffix) const;
-  // By code units, from `from` on; location kNotFound when absent, and for an empty `other`.
-  Range rangeOfString(StringArg other, std::size_t from = 0) const;
-  // Whole text against a pattern: `*` any run, `?` one character, `\` takes the next literally.
+  // By code units, from the start or from `from` on; location kNotFound when absent, and for an
+  // empty or nil `other`.
+  Range rangeOfString(StringArg other) const;
+  Range rangeOfString(StringArg other, std::size_t from) const;
+  // Whole text against a pattern: `*` any run, `?` one character (a code point; ignoring case too,
+  // where "ß" equals the literal "ss"), `\` takes the next literally.
   bool matchesPattern(StringArg pattern, bool ignoringCase) const;
 
   // A range that leaves the text raises RangeException.

@@ -30,6 +30,10 @@ class QX_EXPORT UserDefaults : public Object {
   // that can not be a file's (empty, with a slash or NUL, "." or ".."), and
   // InternalInconsistencyException once the standard user defaults are in use.
   static void setApplicationName(StringArg name);
+  // Where the property list of an application of that name stands; nil when the user's home is not
+  // known, and nothing can be kept. Raises as setApplicationName does for a name that can not be a
+  // file's.
+  static Ref<String> pathForApplicationName(StringArg name);
 
   // The value of the key, else the one registered for it, else nil. What is given out is immutable:
   // containers, strings and data were copied when they were set.

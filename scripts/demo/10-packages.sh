@@ -48,9 +48,9 @@ packages_json >packages.json
 step "packages.json holds the packages that are installed here, as dpkg-query lists them. A record:"
 run head -n 2 packages.json
 
-step "Large libraries. Constants are arguments: %d takes an integer, %@ any value; sizes are in kB."
+step "The largest libraries. Constants are arguments: %d takes an integer, %@ any value; sizes are in kB."
 run qx select packages.json --where 'section = %@ and size > %d' --arg libs --arg 10000 \
-  --keys name,version,size --limit 10
+  --sort size:descending --keys name,version,size --limit 10
 
 step "By pattern: development files that are not of the C or C++ compiler, as JSON."
 run qx select packages.json --where 'name like %@ and not maintainer like %@ and priority = %@' \

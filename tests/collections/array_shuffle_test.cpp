@@ -71,7 +71,7 @@ TEST(ArrayShuffle, BySelectorTheClassDecides) {
 }
 
 TEST(ArrayShuffle, FollowsTheNumbersOfTheSystem) {
-  for (const std::size_t count : {2U, 3U, 10U, 1000U}) {
+  for (const std::size_t count : {2U, 3U, 10U, 511U, 512U, 513U, 514U, 545U, 1025U, 5000U}) {
     Values values;
     for (std::size_t i = 0; i < count; ++i) values.push_back(std::to_string(i));
     const auto a = mutableArrayOf(values);

@@ -102,6 +102,28 @@ TEST_F(DeepTree, WideTreesAreTakenApartToo) {
   EXPECT_EQ(Counter::alive, 1);
 }
 
+TEST_F(DeepTree, CirclesAreNoticedWhereverTheyStand) {
+  // A circle of three at the end of a long way, beside finite ways that are longer still: the walk
+  // comes back from those before it meets the circle.
+  for (const int lead : {1, 70'000, 140'000}) {
+    Counter::visits = 0;
+    auto [top, bottom] = chain(lead);
+    for (const int finite : {65'000, 300'000}) bottom->addChild(chain(finite).top);
+    Ref<Counter> last = bottom;
+    for (int i = 0; i < 3; ++i) {
+      last->addChild(qx::make<Counter>());  // a leaf before the way goes on
+      auto next = qx::make<Counter>();
+      last->addChild(next);
+      last = next;
+    }
+    last->addChild(bottom->childAtIndex(3));
+    EXPECT_THROW(top->traversePostorder("countIt"), qx::InvalidArgumentException);
+    EXPECT_GE(Counter::visits, 365'000);
+    EXPECT_THROW((void)top->findItem("nowhere", true), qx::InvalidArgumentException);
+    top->takeApart();
+  }
+}
+
 TEST_F(DeepTree, SharedSubtreesAreVisitedOnEachWayToThem) {
   auto top = qx::make<Counter>();
   Ref<Counter> below = top;

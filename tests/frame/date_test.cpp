@@ -6,6 +6,8 @@
 #include <QXFoundation/QXFoundation.h>
 #include <QXFoundation/date.h>
 
+#include "tests/frame/raises.h"
+
 namespace qx {
 namespace {
 
@@ -49,7 +51,8 @@ TEST(Dates, CountFromTwoPoints) {
   EXPECT_EQ(at(978307200)->timeIntervalSinceReferenceDate(), 0.0);
   EXPECT_EQ(Date::dateWithTimeIntervalSinceReferenceDate(0)->timeIntervalSince1970(), 978307200.0);
   EXPECT_EQ(at(5)->timeIntervalSinceDate(at(2)), 3.0);
-  EXPECT_THROW((void)at(5)->timeIntervalSinceDate(nullptr), InvalidArgumentException);
+  EXPECT_EQ(reasonOf<InvalidArgumentException>([] { (void)at(5)->timeIntervalSinceDate(nullptr); }),
+            "nil was used as an object in -[NSDate timeIntervalSinceDate:]");
 }
 
 TEST(Dates, GiveThePresent) {

@@ -130,21 +130,39 @@ TEST(DescribedClass, RefusesWhatAFieldDoesNotHold) {
     PropertyValue value;
     const char* reason;
   } cases[] = {
-      {"name", 5, "a value of class NSNumber (5) can not stand for a string"},
-      {"name", nullptr, "nil can not stand for a string"},
-      {"age", "5", "a value of class NSString (5) can not stand for an integer that fits"},
-      {"age", 1.0, "a value of class NSNumber (1) can not stand for an integer that fits"},
-      {"age", true, "a value of class NSNumber (1) can not stand for an integer that fits"},
-      {"age", 3000000000LL,
-       "a value of class NSNumber (3000000000) can not stand for an integer that fits"},
-      {"level", 256, "a value of class NSNumber (256) can not stand for an integer that fits"},
-      {"level", -1, "a value of class NSNumber (-1) can not stand for an integer that fits"},
-      {"active", 1, "a value of class NSNumber (1) can not stand for a bool"},
-      {"score", "1", "a value of class NSString (1) can not stand for a number"},
-      {"boss", "Eve", "a value of class NSString (Eve) can not stand for FrameTestPerson"},
-      {"boss", null, "a value of class NSNull can not stand for FrameTestPerson"},
-      {"note", 1, "a value of class NSNumber (1) can not stand for NSString"},
-      {"rank", "1", "a value of class NSString (1) can not stand for an integer that fits"},
+      {"name", 5, "a value of class NSNumber (5), only a string"},
+      {"name", nullptr, "nil, only a string"},
+      {"age", "5", "a value of class NSString (5), only an integer that fits"},
+      {"age", 1.0, "a value of class NSNumber (1), only an integer that fits"},
+      {"age", true, "a value of class NSNumber (1), only an integer that fits"},
+      {"age", 3000000000LL, "a value of class NSNumber (3000000000), only an integer that fits"},
+      {"level", 256, "a value of class NSNumber (256), only an integer that fits"},
+      {"level", -1, "a value of class NSNumber (-1), only an integer that fits"},
+      {"active", 1, "a value of class NSNumber (1), only a bool"},
+      {"score", "1", "a value of class NSString (1), only a number"},
+      {"boss", "Eve", "a value of class NSString (Eve), only FrameTestPerson"},
+      {"boss", null, "a value of class NSNull, only FrameTestPerson"},
+      {"note", 1, "a value of class NSNumber (1), only NSString"},
+      {"rank", "1", "a value of class NSString (1), only an integer that fits"},
+      {"height", "tall", "a value of class NSString (tall), only a number"},
+      {"nickname", 5, "a value of class NSNumber (5), only a string"},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(
+        reasonOf<InvalidArgumentException>([&] { PropertyValue(bob).setValue(c.value, c.key); }),
+        std::string("-[FrameTestPerson setValue:forKey:]: the property \"") + c.key +
+            "\" does not take " + c.reason);
+  }
+  EXPECT_EQ(bob->age, 42);
+}
+
+TEST(DescribedClass, RefusesWhatItDoesNotSet) {
+  const auto bob = make<Person>("Bob", 42);
+  const struct {
+    const char* key;
+    PropertyValue value;
+    const char* reason;
+  } cases[] = {
       {"height", -1.0, "a height is not negative"},
       {"born", 1980,
        "-[FrameTestPerson setValue:forKey:]: there is no property \"born\" that can be set"},
@@ -242,6 +260,7 @@ TEST(DescribedClass, MakesInstancesFromText) {
   EXPECT_EQ(made["name"], PropertyValue("Zoe"));
   EXPECT_TRUE(classOf<Person>().initWithString("").isNil());  // refused
   EXPECT_TRUE(classOf<Person>().initWithString(nullptr).isNil());
+  EXPECT_TRUE(classOf<Employee>().initWithString("Zoe").isNil());  // would be no Employee
   EXPECT_TRUE(classOf<Employee>().initWithString("Zoe").isNil());  // not inherited
 }
 
@@ -263,9 +282,9 @@ TEST(DescribedClass, OfTheLibraryMakesInstancesFromText) {
 TEST(DescribedClass, HasNoCopiesUnlessItOffersThem) {
   const PropertyValue v = make<Person>("Bob", 1);
   EXPECT_EQ(reasonOf<InvalidArgumentException>([&] { (void)v.copy(); }),
-            "-[FrameTestPerson copyWithZone:]: the receiver has no such operation");
+            "-[FrameTestPerson copy]: the receiver has no such operation");
   EXPECT_EQ(reasonOf<InvalidArgumentException>([&] { (void)v.mutableCopy(); }),
-            "-[FrameTestPerson mutableCopyWithZone:]: the receiver has no such operation");
+            "-[FrameTestPerson mutableCopy]: the receiver has no such operation");
 }
 
 TEST(DescribedClass, ShowsItsNameAndAddress) {

@@ -2,8 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <optional>
+
 #include <QXFoundation/QXFoundation.h>
 
+#include "frame/numeric.h"
 #include "tests/frame/print_values.h"
 #include "tests/frame/sample_values.h"
 
@@ -13,6 +16,13 @@ namespace {
 using frame_test::Point;
 using frame_test::Sample;
 using frame_test::sampleValues;
+
+// Of a number the kind that it remembers.
+std::optional<NumberKind> kindOf(const PropertyValue& v) {
+  detail::NumericValue n;
+  if (!detail::numericOf(v, n)) return std::nullopt;
+  return n.kind;
+}
 
 TEST(EqualityLaws, HoldForAllPairsOfValues) {
   const std::vector<Sample> samples = sampleValues();
@@ -46,10 +56,32 @@ TEST(EqualityLaws, SeparateNilFromEveryValue) {
 }
 
 TEST(EqualityLaws, MakeIdenticalValuesEqual) {
-  for (const Sample& s : sampleValues()) {
-    const PropertyValue same = s.value;  // NOLINT(performance-unnecessary-copy-initialization)
-    EXPECT_TRUE(isSame(same, s.value));
-    EXPECT_TRUE(same == s.value) << s.group;
+  const std::vector<Sample> samples = sampleValues();
+  std::size_t identical = 0;
+  for (const Sample& a : samples) {
+    for (const Sample& b : samples) {
+      ASSERT_EQ(isSame(a.value, b.value), isSame(b.value, a.value)) << a.group << " / " << b.group;
+      if (!isSame(a.value, b.value)) continue;
+      ++identical;
+      ASSERT_EQ(a.group, b.group);
+      ASSERT_TRUE(a.value == b.value) << a.group;
+      ASSERT_EQ(a.value.cls(), b.value.cls()) << a.group;
+      ASSERT_EQ(kindOf(a.value), kindOf(b.value)) << a.group;
+      ASSERT_EQ(a.value.description(), b.value.description()) << a.group;
+    }
+  }
+  EXPECT_GT(identical, samples.size());  // inline ones are, without being the same variable
+}
+
+TEST(EqualityLaws, TellIdenticalNumbersByKind) {
+  const std::vector<Sample> samples = sampleValues();
+  for (const Sample& a : samples) {
+    for (const Sample& b : samples) {
+      if (a.value.object() != nullptr || b.value.object() != nullptr) continue;
+      const bool expected = a.group == b.group && kindOf(a.value) == kindOf(b.value) &&
+                            a.value.description() == b.value.description();
+      ASSERT_EQ(isSame(a.value, b.value), expected) << a.group << " / " << b.group;
+    }
   }
 }
 

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
+#include <cstring>
 
 #include <QXFoundation/QXFoundation.h>
 #include <QXFoundation/error.h>
@@ -45,13 +46,18 @@ TEST(Errors, WordTheSystemsCodes) {
   const auto e = Error::posixError(ENOENT);
   EXPECT_EQ(e->domain()->utf8(), NSPOSIXErrorDomain);
   EXPECT_EQ(e->code(), ENOENT);
-  EXPECT_EQ(e->localizedDescription(), "No such file or directory");
+  // In the words of the process's language, whatever that is.
+  char buffer[256] = "";
+  EXPECT_EQ(e->localizedDescription(), strerror_r(ENOENT, buffer, sizeof buffer));
+  EXPECT_NE(e->localizedDescription(), Error::posixError(EACCES)->localizedDescription());
   EXPECT_NE(Error::posixError(99999)->localizedDescription(), "");
 }
 
 TEST(Errors, NameTheirConstants) {
   EXPECT_STREQ(NSPOSIXErrorDomain, "NSPOSIXErrorDomain");
   EXPECT_STREQ(QXExtendedAttributesErrorDomain, "XAExtendedAttributesErrorDomain");
+  EXPECT_STREQ(NSLocalizedDescriptionKey, "NSLocalizedDescription");
+  EXPECT_STREQ(NSURLErrorKey, "NSURL");
   EXPECT_STREQ(QXUnderlyingErrorsKey, "XAUnderlyingErrors");
   EXPECT_STREQ(QXExtendedAttributeNameKey, "XAExtendedAttributeName");
 }

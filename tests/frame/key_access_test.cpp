@@ -39,6 +39,11 @@ TEST(ValueForKey, ReadsEntriesAndProperties) {
       {person("Bob", 42), "", nullptr},
       {"text", "length", 4},
       {"text", "unknown", nullptr},
+      {Data::from("ab"), "length", 2},
+      {MutableData::from("abc"), "length", 3},
+      {Date::dateWithTimeIntervalSince1970(978307205), "timeIntervalSince1970", 978307205.0},
+      {Date::dateWithTimeIntervalSince1970(978307205), "timeIntervalSinceReferenceDate", 5.0},
+      {classOf<String>(), "superclass", classOf<Object>()},
       {Error::errorWithDomain("D", 3, nullptr), "code", std::int64_t{3}},
       {Error::errorWithDomain("D", 3, nullptr), "domain", "D"},
       {classOf<String>(), "name", "NSString"},
@@ -185,6 +190,8 @@ TEST(SetValue, RaisesWhereNothingCanBeSet) {
       {null, "-[NSNull setValue:forKey:]: there is no property \"age\" that can be set"},
       {MutableSet::init(),
        "-[NSMutableSet setValue:forKey:]: there is no property \"age\" that can be set"},
+      {MutableSet::from(array(MutableDictionary::init())),  // read from members, never stored there
+       "-[NSMutableSet setValue:forKey:]: there is no property \"age\" that can be set"},
       {array(person("Bob", 1), 5),
        "-[NSNumber setValue:forKey:]: there is no property \"age\" that can be set"},
       {classOf<String>(),
@@ -197,6 +204,7 @@ TEST(SetValue, RaisesWhereNothingCanBeSet) {
                 [] { PropertyValue(MutableDictionary::init()).setValue(1, nullptr); }),
             "nil was used as an object in -[NSObject setValue:forKey:]");
   EXPECT_THROW(PropertyValue("text").setValue(1, "length"), InvalidArgumentException);
+  EXPECT_THROW(PropertyValue(Data::from("x")).setValue(1, "length"), InvalidArgumentException);
   PropertyValue().setValue(1, "age");  // nil does nothing
 }
 

@@ -53,7 +53,10 @@ TEST(MutableDictionaries, RefuseNil) {
   EXPECT_EQ(reasonOf<InvalidArgumentException>([&] { d->setObject(1, nullptr); }), stored);
   EXPECT_EQ(reasonOf<InvalidArgumentException>([&] { d->removeObjectForKey(nullptr); }),
             "nil was used as an object in -[NSMutableDictionary removeObjectForKey:]");
-  EXPECT_THROW(d->setValueForKey(nullptr, nullptr), InvalidArgumentException);
+  for (const PropertyValue& v : {PropertyValue(), PropertyValue(1)}) {
+    EXPECT_EQ(reasonOf<InvalidArgumentException>([&] { d->setValueForKey(v, nullptr); }),
+              "nil was used as an object in -[NSMutableDictionary setValue:forKey:]");
+  }
   EXPECT_EQ(PropertyValue(d), PropertyValue(dict({{"a", 1}})));
 }
 

@@ -120,16 +120,44 @@ TEST(MutableStrings, RaiseForRangesOutsideThem) {
     EXPECT_THROW(s->deleteCharactersInRange(r), RangeException);
   }
   EXPECT_THROW(s->insertString("x", 5), RangeException);
-  EXPECT_EQ(reasonOf<RangeException>([&] { s->deleteCharactersInRange({2, 3}); }),
-            "-[NSMutableString replaceCharactersInRange:withString:]: the range of 3 from 2 leaves "
-            "the length 4");
-  for (const auto& change : std::initializer_list<void (*)(MutableString&)>{
-           [](MutableString& m) { m.setString(nullptr); },
-           [](MutableString& m) { m.appendString(nullptr); },
-           [](MutableString& m) { m.insertString(nullptr, 0); },
-           [](MutableString& m) { m.replaceCharactersInRange({0, 0}, nullptr); }}) {
-    EXPECT_THROW(change(*s), InvalidArgumentException);
+  EXPECT_EQ(s->utf8(), "abcd");
+}
+
+TEST(MutableStrings, NameTheOperationThatRaises) {
+  using Change = void (*)(MutableString&);
+  const auto s = MutableString::from("abcd");
+  const struct {
+    Change change;
+    const char* operation;
+  } withNil[] = {
+      {[](MutableString& m) { m.setString(nullptr); }, "setString:"},
+      {[](MutableString& m) { m.appendString(nullptr); }, "appendString:"},
+      {[](MutableString& m) { m.insertString(nullptr, 0); }, "insertString:atIndex:"},
+      {[](MutableString& m) { m.replaceCharactersInRange({0, 0}, nullptr); },
+       "replaceCharactersInRange:withString:"},
+      {[](MutableString& m) { performSelector(&m, "appendString:", nullptr); }, "appendString:"},
+  };
+  for (const auto& c : withNil) {
+    EXPECT_EQ(reasonOf<InvalidArgumentException>([&] { c.change(*s); }),
+              std::string("nil was used as an object in -[NSMutableString ") + c.operation + "]");
   }
+  const struct {
+    Change change;
+    const char* reason;
+  } outside[] = {
+      {[](MutableString& m) { m.insertString("x", 5); },
+       "insertString:atIndex:]: the range of 0 from 5 leaves the length 4"},
+      {[](MutableString& m) { m.deleteCharactersInRange({2, 3}); },
+       "deleteCharactersInRange:]: the range of 3 from 2 leaves the length 4"},
+      {[](MutableString& m) { m.replaceCharactersInRange({5, 0}, "x"); },
+       "replaceCharactersInRange:withString:]: the range of 0 from 5 leaves the length 4"},
+  };
+  for (const auto& c : outside) {
+    EXPECT_EQ(reasonOf<RangeException>([&] { c.change(*s); }),
+              std::string("-[NSMutableString ") + c.reason);
+  }
+  EXPECT_EQ(reasonOf<InvalidArgumentException>([] { (void)MutableString::from(nullptr); }),
+            "a string can not be made from nil");
   EXPECT_EQ(s->utf8(), "abcd");
 }
 

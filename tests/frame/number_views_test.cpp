@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdint>
 #include <limits>
+#include <vector>
 
 #include <QXFoundation/QXFoundation.h>
 
@@ -195,6 +196,53 @@ TEST(LenientViews, GiveRealNumbers) {
   EXPECT_TRUE(std::isnan(decimal("").doubleValue()));
 }
 
+// Numbers that lie a little beyond the middle of two floats, and whose double is that middle: the
+// way over the double would give the even one.
+struct RoundedValue {
+  PropertyValue value;
+  float nearest;
+};
+std::vector<RoundedValue> besideTheMiddle() {
+  return {
+      {std::int64_t{9007199791611905}, 9007200328482816.0F},
+      {std::int64_t{-9007199791611905}, -9007200328482816.0F},
+      {std::uint64_t{9007199791611905}, 9007200328482816.0F},
+      {(std::int64_t{1} << 62) + (std::int64_t{1} << 38) + 1,
+       std::nextafter(std::ldexp(1.0F, 62), 1e30F)},
+      {(std::uint64_t{1} << 63) + (std::uint64_t{1} << 39) + 1,
+       std::nextafter(std::ldexp(1.0F, 63), 1e30F)},
+      {decimal("1.000000059604644775390625000000001"), 1.0000001192092896F},
+      {decimal("-1.000000059604644775390625000000001"), -1.0000001192092896F},
+      {decimal("1.000000059604644775390625"), 1.0F},
+  };
+}
+
+TEST(LenientViews, RoundToTheNearestFloatOnce) {
+  for (const auto& c : besideTheMiddle()) {
+    EXPECT_EQ(c.value.floatValue(), c.nearest) << c.value.description();
+    EXPECT_EQ(c.value.as<Number>()->floatValue(), c.nearest) << c.value.description();
+    EXPECT_EQ(performSelector(c.value, "floatValue"), PropertyValue(c.nearest));
+  }
+  const struct {
+    const char* text;
+    float nearest;
+  } texts[] = {
+      {"1.000000059604644775390625000000001", 1.0000001192092896F},
+      {"1.000000059604644775390625", 1.0F},
+      {"9007199791611905", 9007200328482816.0F},
+      {"1e39", std::numeric_limits<float>::infinity()},
+      {"-1e39", -std::numeric_limits<float>::infinity()},
+      {"1e-46", 0.0F},
+      {"1e-45", std::numeric_limits<float>::denorm_min()},
+      {"0", 0.0F},
+  };
+  for (const auto& c : texts) {
+    EXPECT_EQ(PropertyValue(c.text).floatValue(), c.nearest) << c.text;
+    EXPECT_EQ(decimal(c.text).floatValue(), c.nearest) << c.text;
+  }
+  EXPECT_TRUE(std::isnan(decimal("").floatValue()));
+}
+
 TEST(LenientViews, OfUnsignedIntWrapAndStop) {
   const struct {
     PropertyValue value;
@@ -258,6 +306,9 @@ TEST(StrictViews, OfRealNumbersTakeAnyNumberButABool) {
   EXPECT_EQ(decimal("2.5").to<double>(), 2.5);
   EXPECT_EQ(PropertyValue(2.5).to<float>(), 2.5F);
   EXPECT_EQ(PropertyValue(1e300).to<float>(), std::numeric_limits<float>::infinity());
+  for (const auto& c : besideTheMiddle()) {
+    EXPECT_EQ(c.value.to<float>(), c.nearest) << c.value.description();
+  }
   for (const PropertyValue& v : {PropertyValue(true), PropertyValue("2"), PropertyValue(null),
                                  PropertyValue(), PropertyValue(array(2))}) {
     EXPECT_EQ(v.to<double>(), std::nullopt) << v.description();

@@ -57,6 +57,7 @@ TEST(PerformSelector, ServesEveryValue) {
   EXPECT_EQ(performSelector(null, "isEqualTo:", null), PropertyValue(true));
   EXPECT_EQ(performSelector("abc", "length"), PropertyValue(3));
   EXPECT_EQ(performSelector("abc", "hasPrefix:", "ab"), PropertyValue(true));
+  EXPECT_EQ(performSelector("n\xC3\xA4h", "UTF8String"), PropertyValue("n\xC3\xA4h"));
   EXPECT_EQ(performSelector(array(1, 2), "count"), PropertyValue(2));
   EXPECT_EQ(performSelector(array("x", "y"), "objectAtIndex:", 1), PropertyValue("y"));
   EXPECT_EQ(performSelector(dict({{"a", 1}}), "objectForKey:", "a"), PropertyValue(1));
@@ -89,8 +90,15 @@ TEST(PerformSelector, GivesWhatEveryObjectAnswers) {
     EXPECT_EQ(performSelector(v, "respondsToSelector:", "hash"), PropertyValue(true));
     EXPECT_EQ(performSelector(v, "respondsToSelector:", "flyAway"), PropertyValue(false));
     EXPECT_EQ(performSelector(v, "respondsToSelector:", 5), PropertyValue(false));
+    EXPECT_EQ(performSelector(v, "respondsToSelector:", ""), PropertyValue(false));
+    EXPECT_EQ(performSelector(v, "respondsToSelector:", nullptr), PropertyValue(false));
+    EXPECT_EQ(performSelector(v, "conformsToProtocol:", "FlyingThing"), PropertyValue(false));
+    EXPECT_EQ(performSelector(v, "conformsToProtocol:", nullptr), PropertyValue(false));
     EXPECT_EQ(performSelector(v, "isEqual:", v), PropertyValue(true));
   }
+  EXPECT_EQ(performSelector(person(), "respondsToSelector:", "setAge:"), PropertyValue(true));
+  EXPECT_EQ(performSelector("text", "respondsToSelector:", MutableString::from("length")),
+            PropertyValue(true));
   EXPECT_EQ(performSelector(array(1), "copy"), PropertyValue(array(1)));
   EXPECT_STREQ(performSelector(array(1), "mutableCopy").cls()->name(), "NSMutableArray");
 }
@@ -102,7 +110,7 @@ TEST(PerformSelector, ReachesKeyAccess) {
   EXPECT_EQ(performSelector(dict({{"b", bob}}), "valueForKeyPath:", "b.age"), PropertyValue(7));
 }
 
-TEST(PerformSelector, ChangesMutableContainers) {
+TEST(PerformSelector, ChangesMutableArrays) {
   const PropertyValue a = MutableArray::init();
   performSelector(a, "addObject:", 1);
   performSelector(a, "insertObject:atIndex:", 0, 0U);
@@ -120,7 +128,9 @@ TEST(PerformSelector, ChangesMutableContainers) {
   EXPECT_EQ(performSelector(a, "arrayByAddingObject:", 3), PropertyValue(array("one", 2, 3)));
   performSelector(a, "removeAllObjects");
   EXPECT_EQ(performSelector(a, "count"), PropertyValue(0));
+}
 
+TEST(PerformSelector, ChangesMutableDictionaries) {
   const PropertyValue d = MutableDictionary::init();
   performSelector(d, "setObject:forKey:", 1, "a");
   performSelector(d, "addEntriesFromDictionary:", dict({{"b", 2}, {"c", 3}}));
@@ -134,7 +144,9 @@ TEST(PerformSelector, ChangesMutableContainers) {
   EXPECT_EQ(performSelector(d, "count"), PropertyValue(1));
   performSelector(d, "removeAllObjects");
   EXPECT_EQ(performSelector(d, "count"), PropertyValue(0));
+}
 
+TEST(PerformSelector, ChangesMutableSetsAndStrings) {
   const PropertyValue s = MutableSet::init();
   performSelector(s, "addObject:", 1);
   performSelector(s, "addObject:", 2);
@@ -181,6 +193,15 @@ TEST(PerformSelector, ServesDecimals) {
   EXPECT_EQ(performSelector(d("0.1"), "decimalNumberByMultiplyingBy:", d("0.2")), d("0.02"));
   EXPECT_EQ(performSelector(d("1"), "decimalNumberByDividingBy:", d("8")), d("0.125"));
   EXPECT_THROW(performSelector(d("1"), "decimalNumberByAdding:", 1), InvalidArgumentException);
+  for (const char* name : {"decimalNumberByAdding:", "decimalNumberBySubtracting:",
+                           "decimalNumberByMultiplyingBy:", "decimalNumberByDividingBy:"}) {
+    EXPECT_EQ(reasonOf<InvalidArgumentException>(
+                  [&] { performSelector(d("1"), Selector::named(name), nullptr); }),
+              std::string("nil was used as an object in -[NSDecimalNumber ") + name + "]");
+  }
+  const Class& decimals = classOf<DecimalNumber>();
+  EXPECT_EQ(performSelector(decimals, "decimalNumberWithString:", "2.50"), d("2.5"));
+  EXPECT_TRUE(performSelector(decimals, "decimalNumberWithString:", nullptr).isNil());
   EXPECT_EQ(performSelector(d("2.50"), "stringValue"), PropertyValue("2.5"));
 }
 

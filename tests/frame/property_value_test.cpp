@@ -4,10 +4,8 @@
 #include <cmath>
 #include <limits>
 
-#include <QXFoundation/array.h>
-#include <QXFoundation/number.h>
+#include <QXFoundation/QXFoundation.h>
 #include <QXFoundation/property_value.h>
-#include <QXFoundation/string.h>
 
 #include "frame/numeric.h"
 #include "frame/word_access.h"
@@ -290,13 +288,75 @@ TEST(PropertyValueIdentity, KeepsTheObjectOfALargeNumber) {
 }
 
 TEST(PropertyValueWord, TellsItsKind) {
-  const PropertyValue s = "x";
-  const PropertyValue a = array();
-  EXPECT_TRUE(s.isString() && !s.isArray() && !s.isNumber());
-  EXPECT_TRUE(a.isArray() && !a.isString() && !a.isDictionary());
-  EXPECT_TRUE(PropertyValue(1e300).isNumber());
-  EXPECT_TRUE(PropertyValue(false).isNumber());
-  EXPECT_FALSE(PropertyValue().isNumber());
+  enum Kind { nil, nullObject, number, string, array, dictionary, data, date, set, other };
+  const struct {
+    PropertyValue value;
+    Kind kind;
+  } cases[] = {
+      {nullptr, nil},
+      {null, nullObject},
+      {0, number},
+      {false, number},
+      {1U, number},
+      {0.0, number},
+      {kNaN, number},
+      {1.5F, number},
+      {1e300, number},
+      {std::numeric_limits<std::int64_t>::min(), number},
+      {std::numeric_limits<std::uint64_t>::max(), number},
+      {DecimalNumber::initWithString("1"), number},
+      {"", string},
+      {MutableString::init(), string},
+      {Array::init(), array},
+      {MutableArray::init(), array},
+      {Dictionary::init(), dictionary},
+      {MutableDictionary::init(), dictionary},
+      {Data::from(""), data},
+      {MutableData::init(), data},
+      {Date::dateWithTimeIntervalSince1970(0), date},
+      {Set::from(Array::init()), set},
+      {MutableSet::init(), set},
+      {Error::errorWithDomain("D", 1, nullptr), other},
+      {classOf<String>(), other},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(testing::PrintToString(c.value));
+    EXPECT_EQ(c.value.isNil(), c.kind == nil);
+    EXPECT_EQ(c.value.isNull(), c.kind == nullObject);
+    EXPECT_EQ(c.value.isNumber(), c.kind == number);
+    EXPECT_EQ(c.value.isString(), c.kind == string);
+    EXPECT_EQ(c.value.isArray(), c.kind == array);
+    EXPECT_EQ(c.value.isDictionary(), c.kind == dictionary);
+    EXPECT_EQ(c.value.isData(), c.kind == data);
+    EXPECT_EQ(c.value.isDate(), c.kind == date);
+    EXPECT_EQ(c.value.isSet(), c.kind == set);
+  }
+}
+
+TEST(PropertyValueCopying, OfMutableVariantsGivesTheImmutableClass) {
+  const struct {
+    PropertyValue value;
+    const char* fixed;
+    const char* changing;
+  } cases[] = {
+      {MutableString::from("a"), "NSString", "NSMutableString"},
+      {MutableArray::init(), "NSArray", "NSMutableArray"},
+      {MutableDictionary::init(), "NSDictionary", "NSMutableDictionary"},
+      {MutableSet::init(), "NSSet", "NSMutableSet"},
+      {MutableData::from("a"), "NSData", "NSMutableData"},
+  };
+  for (const auto& c : cases) {
+    EXPECT_STREQ(c.value.cls()->name(), c.changing);
+    const PropertyValue fixed = c.value.copy();
+    EXPECT_STREQ(fixed.cls()->name(), c.fixed);
+    EXPECT_EQ(fixed, c.value);
+    EXPECT_TRUE(isSame(fixed.copy(), fixed));
+    const PropertyValue changing = fixed.mutableCopy();
+    EXPECT_STREQ(changing.cls()->name(), c.changing);
+    EXPECT_EQ(changing, c.value);
+    EXPECT_FALSE(isSame(c.value.mutableCopy(), c.value));
+    EXPECT_FALSE(isSame(c.value.copy(), c.value));
+  }
 }
 
 TEST(PropertyValueCopying, CountsReferences) {

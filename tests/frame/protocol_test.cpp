@@ -89,5 +89,15 @@ TEST(Protocols, LeaveObjectsWhole) {
   EXPECT_EQ(weak.lock().get(), item.get());
 }
 
+TEST(Protocols, AreAskedForByName) {
+  const PropertyValue item = make<Item>(10);
+  EXPECT_EQ(performSelector(item, "conformsToProtocol:", "Payable"), PropertyValue(true));
+  EXPECT_EQ(performSelector(make<Offer>(10), "conformsToProtocol:", "Named"), PropertyValue(true));
+  EXPECT_EQ(performSelector(item, "conformsToProtocol:", "Payabl"), PropertyValue(false));
+  EXPECT_EQ(performSelector("text", "conformsToProtocol:", "Payable"), PropertyValue(false));
+  EXPECT_EQ(performSelector(5, "conformsToProtocol:", "Payable"), PropertyValue(false));
+  EXPECT_TRUE(performSelector(nullptr, "conformsToProtocol:", "Payable").isNil());
+}
+
 }  // namespace
 }  // namespace qx

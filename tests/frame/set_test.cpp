@@ -28,8 +28,10 @@ TEST(Sets, KeepOneOfEqualMembers) {
   EXPECT_FALSE(s->containsObject(nullptr));
   EXPECT_EQ(PropertyValue(s->allObjects()), PropertyValue(array("one", 1, null)));
   EXPECT_EQ(Set::from(array())->count(), 0U);
-  EXPECT_THROW((void)Set::from(nullptr), InvalidArgumentException);
-  EXPECT_THROW((void)MutableSet::from(nullptr), InvalidArgumentException);
+  EXPECT_EQ(reasonOf<InvalidArgumentException>([] { (void)Set::from(nullptr); }),
+            "nil was used as an object in +[NSSet setWithArray:]");
+  EXPECT_EQ(reasonOf<InvalidArgumentException>([] { (void)MutableSet::from(nullptr); }),
+            "nil was used as an object in +[NSMutableSet setWithArray:]");
 }
 
 TEST(Sets, CompareByTheirMembers) {
@@ -39,7 +41,8 @@ TEST(Sets, CompareByTheirMembers) {
   EXPECT_FALSE(large->isSubsetOfSet(small));
   EXPECT_TRUE(small->isSubsetOfSet(small));
   EXPECT_TRUE(Set::from(array())->isSubsetOfSet(small));
-  EXPECT_THROW((void)small->isSubsetOfSet(nullptr), InvalidArgumentException);
+  EXPECT_EQ(reasonOf<InvalidArgumentException>([&] { (void)small->isSubsetOfSet(nullptr); }),
+            "nil was used as an object in -[NSSet isSubsetOfSet:]");
   EXPECT_THROW((void)Set::from(array())->isSubsetOfSet(nullptr), InvalidArgumentException);
   EXPECT_TRUE(PropertyValue(large) == PropertyValue(MutableSet::from(array(1, 2, 3))));
   EXPECT_FALSE(PropertyValue(large) == PropertyValue(array(3, 2, 1)));

@@ -96,6 +96,7 @@ TEST(Strings, ReplaceIllFormedUtf8InParameters) {
   EXPECT_EQ(StringArg(nullptr).utf8(), "");
   EXPECT_EQ(StringArg(nullptr).string(), nullptr);
   EXPECT_EQ(StringArg("plain").utf8(), "plain");
+  EXPECT_EQ(String::from("n\xC3\xA4h")->UTF8String(), "n\xC3\xA4h");
   EXPECT_EQ(StringArg(*String::from("s")).utf8(), "s");
 }
 
@@ -148,6 +149,8 @@ TEST(Strings, AreSearchedByCodeUnit) {
     }
   }
   EXPECT_EQ(String::from("a")->rangeOfString(nullptr), (Range{kNotFound, 0}));
+  EXPECT_EQ(String::from("aba")->rangeOfString("a"), (Range{0, 1}));
+  EXPECT_EQ(String::from("aba")->rangeOfString("a", 1), (Range{2, 1}));
 }
 
 TEST(Strings, TellPrefixesAndSuffixes) {

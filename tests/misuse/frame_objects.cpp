@@ -2,7 +2,9 @@
 
 #include <map>
 
-#include <QXFoundation/QXFoundation.h>
+#include <QXFoundation/archiver.h>
+#include <QXFoundation/array.h>
+#include <QXFoundation/class_builder.h>
 
 namespace app {
 

@@ -2,7 +2,8 @@
 
 #include <vector>
 
-#include <QXFoundation/QXFoundation.h>
+#include <QXFoundation/dictionary.h>
+#include <QXFoundation/selector.h>
 
 namespace {
 

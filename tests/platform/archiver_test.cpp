@@ -2,88 +2,17 @@
 
 #include <cmath>
 #include <limits>
-#include <set>
 
 #include <QXFoundation/QXFoundation.h>
 #include <QXFoundation/archiver.h>
 
-namespace coded {
-
-// A person with a boss, so that cycles can be made.
-class Person : public qx::Object {
- public:
-  Person() { all().insert(this); }
-  static std::set<Person*>& all() {
-    static std::set<Person*> people;
-    return people;
-  }
-  // Cuts every person's references, so that cycles end.
-  static void letGo() {
-    const std::vector<qx::Ref<Person>> people(all().begin(), all().end());
-    for (const auto& p : people) {
-      p->boss = nullptr;
-      p->friends = nullptr;
-    }
-  }
-
-  std::string name;
-  int age = 0;
-  qx::Ref<Person> boss;
-  qx::Ref<qx::Array> friends;
-
-  void encodeWithCoder(qx::Archiver& a) const {
-    a.encodeObject(name);
-    a.encodeObject(age);
-    a.encodeObject(boss);
-    a.encodeObject(friends);
-  }
-  void decodeWithCoder(qx::Unarchiver& u) {
-    name = u.decode<std::string>();
-    age = u.decode<int>();
-    boss = u.decode<qx::Ref<Person>>();
-    friends = u.decode<qx::Ref<qx::Array>>();
-  }
-
- protected:
-  ~Person() override { all().erase(this); }
-};
-void describe(qx::ClassBuilder<Person>& c) { c.name("CodedPerson").archived(); }
-
-// Encodes two values, decodes one.
-class Greedy : public qx::Object {
- public:
-  void encodeWithCoder(qx::Archiver& a) const {
-    a.encodeObject(1);
-    a.encodeObject(2);
-  }
-  void decodeWithCoder(qx::Unarchiver& u) { (void)u.decodeObject(); }
-};
-void describe(qx::ClassBuilder<Greedy>& c) { c.name("Greedy").archived(); }
-
-class Plain : public qx::Object {};
-void describe(qx::ClassBuilder<Plain>& c) { c.name("Plain"); }
-
-}  // namespace coded
+#include "tests/platform/archive/coded.h"
 
 namespace qx {
 namespace {
 
 PropertyValue roundTrip(const PropertyValue& v) {
   return Unarchiver::unarchiveObjectWithData(Archiver::archivedDataWithRootObject(v));
-}
-
-std::string failureOf(std::string_view bytes) {
-  Ref<Error> error;
-  const PropertyValue v = Unarchiver::unarchiveObjectWithData(Data::from(bytes), &error);
-  EXPECT_TRUE(v.isNil());
-  if (error == nullptr) return "";
-  EXPECT_EQ(error->domain()->utf8(), QXArchiveErrorDomain);
-  EXPECT_EQ(error->code(), 1);
-  return error->localizedDescription();
-}
-
-std::string archive(std::string_view values) {
-  return std::string("QXArchive\x01") + std::string(values);
 }
 
 TEST(Archiver, KeepsEveryKindOfValue) {
@@ -221,84 +150,12 @@ TEST(Archiver, RefusesWhatIsNestedTooDeep) {
   EXPECT_THROW((void)Archiver::archivedDataWithRootObject(array(deep)), InvalidArgumentException);
   for (int i = 0; i < 1'000'000; ++i) deep = array(deep);
   EXPECT_THROW((void)Archiver::archivedDataWithRootObject(deep), InvalidArgumentException);
-  const std::string nested = archive(std::string(1'000'000, '\x0f') + "\x01");
-  EXPECT_NE(failureOf(nested), "");
-}
-
-TEST(Unarchiver, RefusesBadBytesWithPlaceAndReason) {
-  using namespace std::string_literals;
-  const struct {
-    std::string bytes;
-    std::string reason;
-  } rows[] = {
-      {"", "archive, byte 0: these bytes are no archive"},
-      {"bplist00", "archive, byte 0: these bytes are no archive"},
-      {"QXArchive", "archive, byte 9: it ends within a value"},
-      {"QXArchive\x02", "archive, byte 10: the archive is of a version that is not known here"},
-      {archive(""), "archive, byte 10: it ends within a value"},
-      {archive("\x01\x01"), "archive, byte 11: there are bytes after the root object"},
-      {archive("\x14"), "archive, byte 11: a value of an unknown kind"},
-      {archive("\x41"), "archive, byte 11: a value of an unknown kind"},
-      {archive("\x13"), "archive, byte 11: a value of an unknown kind"},
-      {archive("\x08\x00"s), "archive, byte 12: a reference to an object that is not there"},
-      {archive("\x0f\x01\x08\x00"s), "archive, byte 14: an immutable container holds itself"},
-      {archive("\x0f\x01\x0f\x01\x08\x00"s),
-       "archive, byte 16: an immutable container holds itself"},
-      {archive("\x0f\x01\x00"s), "archive, byte 13: a container holds nil"},
-      {archive("\x0f\xff\xff\xff\xff\x0f"),
-       "archive, byte 16: a count is larger than what follows"},
-      {archive("\x0a\x05"
-               "abcd"),
-       "archive, byte 12: a count is larger than what follows"},
-      {archive("\x05\xff\xff\xff\xff\xff\xff\xff\xff\xff\x02"),
-       "archive, byte 21: a number is too large"},
-      {archive("\x10\x01\x04\x02\x01"), "archive, byte 14: a key is no string"},
-      {archive("\x10\x02\x0a\x01k\x0a\x01k\x01\x01"),
-       "archive, byte 18: a key stands twice in a dictionary"},
-      {archive("\x12\x00\x04Nope\x13"s), "archive, byte 17: the class Nope is not known"},
-      {archive("\x12\x00\x05Plain\x13"s),
-       "archive, byte 18: the class Plain declares no archiving"},
-      {archive("\x12\x01\x05Plain\x13"s), "archive, byte 12: a class that is not there"},
-  };
-  registerClass<coded::Plain>();
-  for (const auto& row : rows) EXPECT_EQ(failureOf(row.bytes), row.reason);
-  EXPECT_EQ(failureOf(Archiver::archivedDataWithRootObject(make<coded::Greedy>())->view()),
-            "archive, byte 22: an object of the class Greedy holds more than it decodes");
 }
 
 TEST(Unarchiver, RaisesWhereNoErrorIsAskedFor) {
   EXPECT_THROW((void)Unarchiver::unarchiveObjectWithData(Data::from("x")),
                InvalidArgumentException);
   EXPECT_THROW((void)Unarchiver::unarchiveObjectWithData(nullptr), InvalidArgumentException);
-}
-
-std::string sample() {
-  const auto bob = make<coded::Person>();
-  bob->name = "Bob";
-  bob->friends =
-      array("x", 1, 2.5, dict({{"k", true}, {"l", Data::from("abc")}}), Set::from(array(1, 2)),
-            String::from("漢"), Date::dateWithTimeIntervalSince1970(5));
-  return std::string(Archiver::archivedDataWithRootObject(array(bob, bob))->view());
-}
-
-TEST(Unarchiver, RefusesEveryTruncation) {
-  const std::string whole = sample();
-  for (std::size_t n = 0; n < whole.size(); ++n) EXPECT_NE(failureOf(whole.substr(0, n)), "") << n;
-}
-
-// A flipped byte gives an error or another value, and never more than that.
-TEST(Unarchiver, SurvivesEveryFlippedByte) {
-  const std::string whole = sample();
-  for (std::size_t i = 0; i < whole.size(); ++i) {
-    for (int bit = 0; bit < 8; ++bit) {
-      std::string damaged = whole;
-      damaged[i] = static_cast<char>(damaged[i] ^ (1 << bit));
-      Ref<Error> error;
-      const PropertyValue v = Unarchiver::unarchiveObjectWithData(Data::from(damaged), &error);
-      EXPECT_TRUE(v.isNil() || error == nullptr);
-      coded::Person::letGo();
-    }
-  }
 }
 
 }  // namespace

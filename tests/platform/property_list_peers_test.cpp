@@ -143,7 +143,7 @@ TEST(PropertyListPeers, ListsMadeByPlistutilAreRead) {
   }
 }
 
-TEST(PropertyListPeers, ListsThatWentThroughHereAreReadByPython) {
+TEST(PropertyListPeers, ListsThatWentThroughHereAreReadByBoth) {
   constexpr int kCount = 40;
   const Folder folder;
   const auto lines =
@@ -157,6 +157,8 @@ TEST(PropertyListPeers, ListsThatWentThroughHereAreReadByPython) {
           plist::readFile(path + ".bin"), PropertyListMutability::immutable, nullptr, nullptr);
       const std::string copy = path + (format == PropertyListFormat::xml ? ".x" : ".b");
       plist::writeFile(copy, written(v, format));
+      EXPECT_EQ(dumpOfConversion(copy, format == PropertyListFormat::xml ? "bin" : "xml"),
+                lines[i]);
       paths += "'" + copy + "' ";
       wanted += (wanted.empty() ? "" : "\n") + lines[i];
     }

@@ -33,11 +33,11 @@ std::int32_t systemOffset(std::int64_t moment) {
 }
 
 // The definition: the earliest moment that shows this local time; or, where none does, the offset
-// before the gap that it is in.
-std::int32_t offsetByDefinition(std::int64_t localTime) {
+// before the gap that it is in. Offsets, changes and the local time are multiples of the step.
+std::int32_t offsetByDefinition(std::int64_t localTime, std::int64_t step) {
   std::int32_t before = systemOffset(localTime - 30 * kHour);
   std::int64_t at = localTime - 30 * kHour;
-  for (;; at += 60) {
+  for (;; at += step) {
     const std::int32_t offset = systemOffset(at);
     if (at + offset == localTime) return offset;
     if (at + offset > localTime) return before;
@@ -73,15 +73,38 @@ TEST(TimeZone, KnowsTheOffsetsBeforeTheFirstAndAfterTheLastChange) {
   }
 }
 
+TEST(TimeZone, FindsEveryChangeToTheSecond) {
+  for (const char* name : kZones) {
+    const ScopedZone zone(name);
+    tzset();
+    int changes = 0;
+    for (std::int64_t day = secondOf(1960, 1, 1); day < secondOf(2040, 1, 1);
+         day += kSecondsPerDay) {
+      if (systemOffset(day) == systemOffset(day + kSecondsPerDay)) continue;
+      ++changes;
+      for (std::int64_t at = day; at <= day + kSecondsPerDay; at += 900) {
+        ASSERT_EQ(offsetOfMoment(at - 1), systemOffset(at - 1)) << name << ' ' << at;
+        ASSERT_EQ(offsetOfMoment(at), systemOffset(at)) << name << ' ' << at;
+      }
+    }
+    // Samoa's clocks have stood eleven hours behind since 1911.
+    const std::string_view zoneName = name;
+    const bool isFixed = zoneName == "UTC" || zoneName == "Pacific/Pago_Pago";
+    EXPECT_EQ(changes == 0, isFixed) << name;
+  }
+}
+
 TEST(TimeZone, ResolvesLocalTimesThatAreSkippedOrComeTwice) {
   for (const char* name : kZones) {
     const ScopedZone zone(name);
     tzset();
+    const std::int64_t step = std::string_view(name).starts_with("NST") ? 60 : 900;
     for (std::int64_t day = secondOf(2008, 1, 1); day < secondOf(2024, 1, 1);
          day += kSecondsPerDay) {
       if (systemOffset(day - kSecondsPerDay) == systemOffset(day + 2 * kSecondsPerDay)) continue;
       for (std::int64_t local = day; local < day + kSecondsPerDay; local += 900) {
-        ASSERT_EQ(offsetOfLocalTime(local), offsetByDefinition(local)) << name << ' ' << local;
+        ASSERT_EQ(offsetOfLocalTime(local), offsetByDefinition(local, step))
+            << name << ' ' << local;
       }
     }
   }
@@ -136,6 +159,30 @@ TEST(TimeZone, RepeatsItsRulesForEver) {
   for (const std::int64_t year :
        std::initializer_list<std::int64_t>{1600, 1000, 0, -44, -2147483648LL}) {
     EXPECT_EQ(offsetOfLocalTime(secondOf(year, 7, 4)), -17762) << year;
+  }
+}
+
+// Whether a rule has daylight saving before 1970 C libraries do not agree on: this process's own
+// is followed, so that dates read here and dates shown by `localtime_r` are the same.
+TEST(TimeZone, RulesWithoutATableHoldForEverAsTheSystemHasThem) {
+  for (const char* rule : {"EST5EDT,M3.2.0,M11.1.0", "AEST-10AEDT,M10.1.0,M4.1.0/3"}) {
+    const ScopedZone zone(rule);
+    tzset();
+    const std::int32_t winter = systemOffset(secondOf(2021, rule[0] == 'E' ? 1 : 7, 4));
+    const std::int32_t summer = systemOffset(secondOf(2021, rule[0] == 'E' ? 7 : 1, 4));
+    ASSERT_EQ(summer, winter + kHour) << rule;
+    for (const std::int64_t year : {-400000, -44, 1, 1199, 1500, 1969, 1970, 2600, 20000, 400000}) {
+      for (std::int32_t month = 1; month <= 12; ++month) {
+        const std::int64_t moment = secondOf(year, month, 4);
+        const std::int32_t offset = systemOffset(moment);
+        EXPECT_EQ(offsetOfMoment(moment), offset) << rule << ' ' << year << ' ' << month;
+        EXPECT_EQ(offsetOfLocalTime(moment + offset), offset)
+            << rule << ' ' << year << ' ' << month;
+      }
+      if (year < 1970) continue;
+      EXPECT_EQ(offsetOfMoment(secondOf(year, rule[0] == 'E' ? 7 : 1, 4)), summer) << year;
+      EXPECT_EQ(offsetOfMoment(secondOf(year, rule[0] == 'E' ? 1 : 7, 4)), winter) << year;
+    }
   }
 }
 

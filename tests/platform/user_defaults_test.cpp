@@ -1,6 +1,5 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <stdlib.h>
 #include <sys/stat.h>
 
 #include <atomic>
@@ -15,6 +14,7 @@
 #include "platform/file_user_defaults.h"
 #include "platform/standard_user_defaults.h"
 #include "tests/support/failing_file_calls.h"
+#include "tests/support/scoped_environment.h"
 #include "tests/support/temporary_folder.h"
 
 namespace qx {
@@ -24,6 +24,7 @@ using detail::FileUserDefaults;
 using detail::ReplacedFileCalls;
 using test_support::FailingFileCalls;
 using test_support::readBytes;
+using test_support::ScopedEnvironment;
 using test_support::TemporaryFolder;
 using test_support::writeBytes;
 using testing::ElementsAre;
@@ -323,29 +324,6 @@ TEST_F(UserDefaultsFile, ThreadsWithTheirOwnDefaultsLoseNothingOfEachOthers) {
   }
 }
 
-// The environment variable holds `value` (null: is not there) while this lives.
-class Environment {
- public:
-  Environment(const char* name, const char* value) : name_(name) {
-    if (const char* before = ::getenv(name)) before_ = before;
-    put(value);
-  }
-  Environment(const Environment&) = delete;
-  Environment& operator=(const Environment&) = delete;
-  ~Environment() { put(before_ ? before_->c_str() : nullptr); }
-
- private:
-  void put(const char* value) const {
-    if (value != nullptr) {
-      ::setenv(name_, value, 1);
-    } else {
-      ::unsetenv(name_);
-    }
-  }
-  const char* name_;
-  std::optional<std::string> before_;
-};
-
 TEST(StandardUserDefaults, StandInTheFolderForConfigurations) {
   const struct {
     const char* config;
@@ -358,22 +336,24 @@ TEST(StandardUserDefaults, StandInTheFolderForConfigurations) {
       {"relative", "/home/bob", "/home/bob/.config/app.plist"},
   };
   for (const auto& row : rows) {
-    const Environment config("XDG_CONFIG_HOME", row.config);
-    const Environment home("HOME", row.home);
+    const ScopedEnvironment config("XDG_CONFIG_HOME", row.config);
+    const ScopedEnvironment home("HOME", row.home);
     EXPECT_EQ(detail::userDefaultsPath("app"), row.path);
+    EXPECT_EQ(UserDefaults::pathForApplicationName("app")->utf8(), row.path);
   }
-  const Environment config("XDG_CONFIG_HOME", nullptr);
-  const Environment home("HOME", nullptr);
+  const ScopedEnvironment config("XDG_CONFIG_HOME", nullptr);
+  const ScopedEnvironment home("HOME", nullptr);
   const std::string path = detail::userDefaultsPath("app");
   EXPECT_TRUE(path.empty() || path.ends_with("/.config/app.plist")) << path;
 }
 
 TEST(StandardUserDefaults, AreOneObjectOfTheProcessNamedBeforeFirstUse) {
   const TemporaryFolder folder;
-  const Environment config("XDG_CONFIG_HOME", folder.path().c_str());
+  const ScopedEnvironment config("XDG_CONFIG_HOME", folder.path().c_str());
   const detail::ReplacedUserDefaults none(nullptr);
   for (const char* bad : {"", "a/b", ".", ".."}) {
     EXPECT_THROW(UserDefaults::setApplicationName(bad), InvalidArgumentException) << bad;
+    EXPECT_THROW((void)UserDefaults::pathForApplicationName(bad), InvalidArgumentException) << bad;
   }
   EXPECT_THROW(UserDefaults::setApplicationName(nullptr), InvalidArgumentException);
   EXPECT_THROW(UserDefaults::setApplicationName(std::string("a\0b", 3)), InvalidArgumentException);

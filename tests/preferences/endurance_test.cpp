@@ -1,6 +1,7 @@
 // What only many repetitions show: a writer killed at any moment, and two processes with one file.
 // A fiftieth of the counts by default; scripts/endurance.sh runs them all.
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/wait.h>
@@ -14,6 +15,7 @@
 
 #include <QXFoundation/QXFoundation.h>
 
+#include "platform/file_calls.h"
 #include "platform/file_user_defaults.h"
 #include "platform/standard_user_defaults.h"
 #include "tests/preferences/store_files.h"
@@ -73,6 +75,10 @@ int lastTold(int pipe) {
   return generation;
 }
 
+bool hasUnnamedFiles(const std::string& folder) {
+  return detail::OpenFile(folder.c_str(), O_TMPFILE | O_WRONLY, 0600).isOpen();
+}
+
 TEST(Endurance, AKilledWriterLeavesTheOldFileOrTheNew) {
   const test_support::WithMemoryUserDefaults memory;
   const StoreFiles files;
@@ -82,6 +88,7 @@ TEST(Endurance, AKilledWriterLeavesTheOldFileOrTheNew) {
   std::mt19937 random(1);
   int generation = 0;
   int advances = 0;
+  unsigned window = 20'000;  // microseconds; on a busy machine the first save takes longer
   for (int kill = 0; kill < scaled(2000); ++kill) {
     int told[2];
     ASSERT_EQ(::pipe(told), 0);
@@ -91,7 +98,7 @@ TEST(Endurance, AKilledWriterLeavesTheOldFileOrTheNew) {
       writeForEver(files / "s.plist", generation + 1, told[1]);
     }
     ::close(told[1]);
-    sleepMicroseconds(static_cast<long>(random() % 20'000));
+    sleepMicroseconds(static_cast<long>(random() % window));
     ::kill(child, SIGKILL);
     int status = 0;
     ASSERT_EQ(::waitpid(child, &status, 0), child);
@@ -103,11 +110,15 @@ TEST(Endurance, AKilledWriterLeavesTheOldFileOrTheNew) {
     ASSERT_GE(found, saved) << "after kill " << kill;
     ASSERT_LE(found, saved + 1) << "after kill " << kill;
     advances += found > generation;
+    if (advances == 0) window = std::min(2 * window, 2'000'000U);
     generation = found;
   }
   EXPECT_GT(advances, 0) << "no writer came so far as to save";
-  // Only a kill between naming the new content and renaming it leaves a name behind.
-  EXPECT_LE(files.names().size(), 2U + static_cast<std::size_t>(scaled(2000) / 20));
+  // Only a kill between naming the new content and renaming it leaves a name behind; where the file
+  // system has no files without names, one at any moment of the writing.
+  if (hasUnnamedFiles(files.path())) {
+    EXPECT_LE(files.names().size(), 2U + static_cast<std::size_t>(scaled(2000) / 4));
+  }
   const auto last = QXPreferences::initWithPath(files / "s.plist");
   writeGeneration(*last, 1);
   EXPECT_TRUE(last->synchronize());
@@ -115,9 +126,17 @@ TEST(Endurance, AKilledWriterLeavesTheOldFileOrTheNew) {
 
 constexpr int kSharedKeys = 500;
 
+// As an application has them, but for the patience with others that hold the lock: on a busy
+// machine one may not get on for many seconds.
+Ref<UserDefaults> sharedDefaults(const std::string& path) {
+  auto defaults = make<detail::FileUserDefaults>(path);
+  defaults->setPatience(300'000);
+  return defaults;
+}
+
 // A process of an application that keeps its settings in the user defaults.
 int changeSharedDefaults(const std::string& path, int process, int changes) {
-  const detail::ReplacedUserDefaults own(make<detail::FileUserDefaults>(path));
+  const detail::ReplacedUserDefaults own(sharedDefaults(path));
   const auto store = QXPreferences::init();
   for (int i = 0; i < changes; ++i) {
     // One key for each setting: a dot would make them one entry.
@@ -159,14 +178,14 @@ TEST(Endurance, AKilledProcessLosesNothingThatItSavedInSharedDefaults) {
   const std::string path = files / "app.plist";
   std::mt19937 random(2);
   int saved = -1;
-  const auto own = make<detail::FileUserDefaults>(path);
+  const auto own = sharedDefaults(path);
   for (int kill = 0; kill < scaled(2000); ++kill) {
     int told[2];
     ASSERT_EQ(::pipe(told), 0);
     const pid_t child = ::fork();
     if (child == 0) {
       ::close(told[0]);
-      const auto theirs = make<detail::FileUserDefaults>(path);
+      const auto theirs = sharedDefaults(path);
       for (int i = saved + 1;; ++i) {
         theirs->setObject(i, "theirs");
         if (!theirs->synchronize()) ::_exit(1);

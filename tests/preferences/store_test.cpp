@@ -109,7 +109,7 @@ TEST_F(Store, DropsWhatLiesBeyondAnArrayAndStillNotifies) {
   EXPECT_EQ(heard, 1);
 }
 
-TEST_F(Store, FailsBeforeAnythingIsMarkedOrPosted) {
+TEST_F(Store, PostsNothingWhereItFails) {
   const auto store = QXPreferences::initWithPath(files / "store.plist");
   store->setObject(array(dict()), "list");
   store->setInteger(1, "n");
@@ -117,8 +117,11 @@ TEST_F(Store, FailsBeforeAnythingIsMarkedOrPosted) {
   int heard = 0;
   const Observation o = store->observe("list", [&] { ++heard; });
   EXPECT_THROW(store->removeObjectForKeyPath("list[0]"), InvalidArgumentException);
-  EXPECT_FALSE(store->isDirty());
+  EXPECT_TRUE(store->isDirty());  // the way to the element was written again
+  EXPECT_EQ(store->objectForKeyPath("list"), array(dict()));
   EXPECT_EQ(heard, 0);
+  EXPECT_THROW(store->removeObjectForKeyPath("new.branch.oops]"), RangeException);
+  EXPECT_EQ(store->objectForKeyPath("new"), dict({{"branch", dict()}}));
   EXPECT_THROW(store->setInteger(1, "n."), InvalidArgumentException);
   EXPECT_THROW(store->setInteger(1, "n.x"), InvalidArgumentException);
   EXPECT_THROW(store->setInteger(1, nullptr), InvalidArgumentException);

@@ -4,6 +4,8 @@
 #include <QXFoundation/archiver.h>
 #include <QXFoundation/qualifier.h>
 
+#include "frame/class_record.h"
+
 namespace shape {
 
 // A qualifier of the application, with a field of its own.
@@ -42,7 +44,6 @@ std::size_t objectsWritten(const PropertyValue& root) {
   return a.objectCount() - 1;
 }
 
-// The objects that a class has written, read one by one from behind the root's own head.
 TEST(QualifierArchive, WritesExactlyTheObjectsOfEachClass) {
   const auto leaf = QXKeyValueQualifier::initWithKey("age", "isLessThan:", 3);
   EXPECT_EQ(objectsWritten(leaf), 3U);
@@ -53,6 +54,36 @@ TEST(QualifierArchive, WritesExactlyTheObjectsOfEachClass) {
   EXPECT_EQ(objectsWritten(QXOrQualifier::initWithQualifierArray(array())), 1U);
   EXPECT_EQ(objectsWritten(QXQualifierVariable::initWithKey("v")), 1U);
   EXPECT_EQ(objectsWritten(QXQualifier::init()), 0U);
+}
+
+// The objects that the qualifier writes by itself, in their order.
+std::vector<PropertyValue> writtenBy(const auto& qualifier, std::size_t count) {
+  Archiver a;
+  qualifier->cls().record().encode(*qualifier, a);
+  Unarchiver u(a.archiverData());
+  std::vector<PropertyValue> objects;
+  while (!u.isAtEnd()) objects.push_back(u.decodeObject());
+  EXPECT_EQ(objects.size(), count);
+  objects.resize(count);
+  return objects;
+}
+
+TEST(QualifierArchive, WritesTheObjectsInTheirOrder) {
+  auto w = writtenBy(QXKeyValueQualifier::initWithKey("age", "isLessThan:", 3), 3);
+  EXPECT_EQ(w[0], "age");
+  EXPECT_EQ(w[1], "isLessThan:");
+  EXPECT_TRUE(isSame(w[2], 3));
+  w = writtenBy(QXKeyComparisonQualifier::initWithLeftKey("a", "isEqualTo:", "b"), 3);
+  EXPECT_EQ(w[0], "a");
+  EXPECT_EQ(w[1], "isEqualTo:");
+  EXPECT_EQ(w[2], "b");
+  const auto leaf = QXKeyValueQualifier::initWithKey("age", "isLessThan:", 3);
+  EXPECT_EQ(writtenBy(QXNotQualifier::initWithQualifier(leaf), 1)[0].cls(), &leaf->cls());
+  w = writtenBy(QXAndQualifier::initWithQualifierArray(array(leaf, leaf)), 1);
+  EXPECT_EQ(w[0].as<Array>()->count(), 2U);
+  w = writtenBy(QXOrQualifier::initWithQualifierArray(array(leaf)), 1);
+  EXPECT_EQ(w[0].as<Array>()->objectAtIndex(0).cls(), &leaf->cls());
+  EXPECT_EQ(writtenBy(QXQualifierVariable::initWithKey("who"), 1)[0], "who");
 }
 
 TEST(QualifierArchive, KeepsComparisonsWithConstants) {

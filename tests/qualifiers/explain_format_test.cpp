@@ -31,8 +31,10 @@ const char* name(Kind kind) {
       return "isConstant";
     case Kind::emptyKey:
       return "emptyKey";
-    case Kind::nilKey:
-      return "nilKey";
+    case Kind::nilValue:
+      return "nil";
+    case Kind::textDropped:
+      return "textDropped";
     case Kind::unknownClass:
       return "class";
     case Kind::classWithoutText:
@@ -72,7 +74,7 @@ TEST(ExplainFormat, RemarksOnWhatMayNotBeMeant) {
       {"name = 'Bob'  ", {}, ""},
       {"a = %d  ", {1}, ""},
       {"a = 50%%", {}, ""},
-      {"a = %d and p = nil", {1}, ""},
+      {"a = %d and p = nil", {1}, "16:nil"},
       {"v = (NSDecimalNumber)'1.5'", {}, ""},
       {"a = %d and v = (NSDecimalNumber)7", {1}, ""},
       {"size < limit", {}, "8:isKey"},
@@ -96,7 +98,11 @@ TEST(ExplainFormat, RemarksOnWhatMayNotBeMeant) {
       {"= %d", {1}, "1:emptyKey"},
       {"a =", {}, "4:emptyKey"},
       {"   ", {}, "4:emptyKey 4:operator 4:emptyKey"},
-      {"p = nil", {}, "5:nilKey"},
+      {"p = nil", {}, "5:nil"},
+      {"a = abc%d", {1}, "5:textDropped"},
+      {"a = abc%%%d", {1}, "5:textDropped"},
+      {"a = %dabc", {1}, "7:ignored"},
+      {"a%d = %d", {1, 2}, ""},
       {"a = (Nope)'x'", {}, "6:class"},
       {"a = (NSArray)'x'", {}, "5:noText"},
       {"a = (NSString", {}, "5:unbalanced 5:emptyKey"},
@@ -117,10 +123,19 @@ TEST(ExplainFormat, SaysItInSentences) {
   EXPECT_EQ(text("a = 'x' and b = c"), "quoted text ends the format: \" and b = c\" is ignored");
   EXPECT_EQ(text("a = b, c", 1), "\", c\" is ignored: neither and nor or stands here");
   EXPECT_EQ(text("a = (Nope)'x'"), "\"Nope\" is the name of no class: the value is nil");
-  EXPECT_EQ(text("a is b"),
-            "\"is\" is no operator: the comparison is false for every object; operators stand "
-            "between blanks, a key is "
-            "not quoted");
+  const std::string noOperator = "is no operator: the comparison is false for every object; ";
+  EXPECT_EQ(text("a is b"), "\"is\" " + noOperator + "operators stand between blanks");
+  EXPECT_EQ(text("a LIKE b"), "\"LIKE\" " + noOperator + "this one is written like");
+  EXPECT_EQ(text("a CaseInsensitivelike b"),
+            "\"CaseInsensitivelike\" " + noOperator + "this one is written caseInsensitiveLike");
+  EXPECT_EQ(text("a.b = c"), "\".\" " + noOperator + "a key path is given as an argument, for %s");
+  EXPECT_EQ(text("'a' = c"), "\"'\" " + noOperator + "a key is not quoted");
+  EXPECT_EQ(text("a = nil"),
+            "nothing equals nil, not even what is missing; to test for absence compare with %@ and "
+            "null");
+  const auto dropped = explained("a = abc%d", {1}).remarks;
+  ASSERT_EQ(dropped.size(), 1U);
+  EXPECT_EQ(dropped[0].text, "\"abc\" is dropped: the argument alone is the value");
 }
 
 TEST(ExplainFormat, QuotesAreCutAndValid) {

@@ -2,27 +2,17 @@
 
 // The process's local time zone for the length of a test.
 
-#include <cstdlib>
-#include <optional>
-#include <string>
+#include "tests/support/scoped_environment.h"
 
 namespace test_support {
 
 class ScopedZone {
  public:
   // A null name leaves `TZ` unset, for the system's zone.
-  explicit ScopedZone(const char* name) {
-    if (const char* before = std::getenv("TZ")) before_ = before;
-    set(name);
-  }
-  ScopedZone(const ScopedZone&) = delete;
-  ScopedZone& operator=(const ScopedZone&) = delete;
-  ~ScopedZone() { set(before_ ? before_->c_str() : nullptr); }
+  explicit ScopedZone(const char* name) : variable_("TZ", name) {}
 
  private:
-  static void set(const char* name) { name != nullptr ? setenv("TZ", name, 1) : unsetenv("TZ"); }
-
-  std::optional<std::string> before_;
+  ScopedEnvironment variable_;
 };
 
 // UTC; daylight saving in the north and in the south, there of half an hour too; a quarter of an

@@ -42,19 +42,19 @@ TEST_P(ExplainLabel, TellsKeysFromConstantsAndTheirKinds) {
 
 INSTANTIATE_TEST_SUITE_P(
     Table, ExplainLabel,
-    testing::Values(LabelCase{{""}, "nil"}, LabelCase{{"size < limit"}, "size < key limit"},
-                    LabelCase{{"age > 21"}, "age > key 21"}, LabelCase{{"a = nil"}, "a = key nil"},
-                    LabelCase{{" "}, "\"\" ? key \"\""}, LabelCase{{"a ~ b"}, "a ? key b"},
-                    LabelCase{{"a = %@", "--arg-json", "1"}, "a = 1"},
-                    LabelCase{{"a = %@", "--arg-json", "1.0"}, "a = 1.0"},
-                    LabelCase{{"a = %@", "--arg-json", "true"}, "a = true"},
-                    LabelCase{{"a = %@", "--arg-json", "null"}, "a = null"},
-                    LabelCase{{"a = %@", "--arg-json", "[1,{\"b\":\"c\"}]"},
-                              "a = [1, {\"b\": \"c\"}]"},
-                    LabelCase{{"a = %@", "--arg", "1"}, "a = \"1\""},
-                    LabelCase{{"a = (NSDecimalNumber)'1.50'"}, "a = (NSDecimalNumber)1.5"},
-                    LabelCase{{"%s = %d", "--arg", "a b\n", "--arg", "3"}, "\"a b\\n\" = 3"},
-                    LabelCase{{"%s = %d", "--arg", "a.b", "--arg", "3"}, "a.b = 3"}));
+    testing::Values(
+        LabelCase{{""}, "nil"}, LabelCase{{"size < limit"}, "size < key limit"},
+        LabelCase{{"age > 21"}, "age > key 21"}, LabelCase{{"a = nil"}, "a = absent key"},
+        LabelCase{{"a = nil)"}, "a = key nil"}, LabelCase{{" "}, "\"\" ? key \"\""},
+        LabelCase{{"a ~ b"}, "a ? key b"}, LabelCase{{"a = %@", "--arg-json", "1"}, "a = 1"},
+        LabelCase{{"a = %@", "--arg-json", "1.0"}, "a = 1.0"},
+        LabelCase{{"a = %@", "--arg-json", "true"}, "a = true"},
+        LabelCase{{"a = %@", "--arg-json", "null"}, "a = null"},
+        LabelCase{{"a = %@", "--arg-json", "[1,{\"b\":\"c\"}]"}, "a = [1, {\"b\": \"c\"}]"},
+        LabelCase{{"a = %@", "--arg", "1"}, "a = \"1\""},
+        LabelCase{{"a = (NSDecimalNumber)'1.50'"}, "a = (NSDecimalNumber)1.5"},
+        LabelCase{{"%s = %d", "--arg", "a b\n", "--arg", "3"}, "\"a b\\n\" = 3"},
+        LabelCase{{"%s = %d", "--arg", "a.b", "--arg", "3"}, "a.b = 3"}));
 
 struct DumpCase {
   std::vector<std::string> arguments;

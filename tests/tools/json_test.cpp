@@ -84,7 +84,7 @@ TEST(Json, KeepsARecordOfManyKeys) {
   EXPECT_EQ(rewritten(json).out, json);
 }
 
-std::string nested(int levels) {
+std::string nested(std::size_t levels) {
   return "[{\"a\": " + std::string(levels, '[') + std::string(levels, ']') + "}]";
 }
 

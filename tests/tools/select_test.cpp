@@ -161,6 +161,56 @@ TEST(Select, ReadsTheWholeFileAlsoWithALimit) {
   EXPECT_EQ(run.out, "");
 }
 
+struct SortCase {
+  std::vector<std::string> arguments;
+  std::string names;
+};
+
+class SelectSort : public testing::TestWithParam<SortCase> {};
+
+TEST_P(SelectSort, OrdersWhatPasses) {
+  static const char kRecords[] =
+      R"([{"name": "bo", "age": 3}, {"name": "Al", "age": 1}, {"name": "cy", "age": 2},
+          {"name": "Di", "age": 1}, {"name": "al", "age": 2, "x:y": 1}])";
+  std::vector<std::string> arguments = GetParam().arguments;
+  arguments.insert(arguments.end(), {"--keys", "name"});
+  const ProgramRun run = select(arguments, kRecords);
+  EXPECT_EQ(run.err, "");
+  EXPECT_EQ(run.out, "name\n" + GetParam().names);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Table, SelectSort,
+    testing::Values(
+        SortCase{{"--sort", "name"}, "Al\nDi\nal\nbo\ncy\n"},
+        SortCase{{"--sort", "name:ascending"}, "Al\nDi\nal\nbo\ncy\n"},
+        SortCase{{"--sort", "name:descending"}, "cy\nbo\nal\nDi\nAl\n"},
+        // Stable: the two that are equal without their case stay as they were.
+        SortCase{{"--sort", "name:ci-ascending", "--sort", "name:ci-ascending"},
+                 "Al\nal\nbo\ncy\nDi\n"},
+        SortCase{{"--sort", "name:ci-descending", "--sort", "age"}, "Di\ncy\nbo\nAl\nal\n"},
+        SortCase{{"--sort", "age", "--sort", "name:descending"}, "Di\nAl\ncy\nal\nbo\n"},
+        SortCase{{"--sort", "age", "--sort", "name", "--limit", "2"}, "Al\nDi\n"},
+        // After the selection, and before the limit.
+        SortCase{{"--where", "age > %d", "--arg", "1", "--sort", "age:descending", "--limit", "1"},
+                 "bo\n"},
+        // The order stands behind the last colon; missing values come first.
+        SortCase{{"--sort", "x:y:descending", "--sort", "age", "--sort", "name"},
+                 "al\nAl\nDi\ncy\nbo\n"}));
+
+TEST(Select, RefusesToSortWhatHasNoOrder) {
+  const std::string reason =
+      "qx: --sort: there are records whose values have no order: of different kinds, or missing or "
+      "null beside others\n";
+  for (const std::string values : {R"([{"a": 1}, {"a": "1"}])", R"([{"a": 1}, {"b": 1}])"}) {
+    const ProgramRun run = select({"--sort", "a"}, values);
+    EXPECT_EQ(run.exitCode, 2);
+    EXPECT_EQ(run.out, "");
+    EXPECT_EQ(run.err, reason);
+  }
+  EXPECT_EQ(select({"--sort", "a", "--count"}, R"([{"a": 1}, {"a": "1"}])").out, "2\n");
+}
+
 TEST(Select, CountsWhatItWouldShow) {
   EXPECT_EQ(select({"--count"}).out, "3\n");
   EXPECT_EQ(select({"--count", "--where", "age > %d", "--arg", "25"}).out, "2\n");

@@ -42,6 +42,19 @@ TEST(Progress, IsRemovedBeforeAFailureIsTold) {
       << run.shown;
 }
 
+TEST(BinaryLists, AreNotWrittenToATerminal) {
+  Terminal terminal;
+  terminal.output = terminal.messages = true;
+  for (const std::vector<std::string>& arguments : std::vector<std::vector<std::string>>{
+           {"plist", "-", "--to", "binary"}, {"select", "-", "--output", "binary"}}) {
+    std::vector<std::string> argv = {QX_TOOL_PATH};
+    argv.insert(argv.end(), arguments.begin(), arguments.end());
+    const TerminalRun run = runOnTerminal(argv, terminal, {"<plist><array/></plist>"}, 0);
+    EXPECT_EQ(run.exitCode, 2);
+    EXPECT_EQ(run.shown, "qx: binary property lists are not written to a terminal\r\n");
+  }
+}
+
 TEST(Remarks, AreToldBySelectOnATerminalAlone) {
   const std::vector<std::string> arguments = {"select", "-", "--count", "--where", "a > 30"};
   std::vector<std::string> argv = {QX_TOOL_PATH};

@@ -52,6 +52,12 @@ TEST(DataCursorFile, ReadsFilesWithNamesBeyondAscii) {
             Lines{"one"});
 }
 
+TEST(DataCursorFile, ReadsFilesThatDoNotTellTheirSize) {
+  const auto cursor = QXDataCursor::initWithFile("/proc/self/status");
+  EXPECT_TRUE(cursor->readLine()->utf8().starts_with("Name:\t"));
+  EXPECT_GT(linesOf(cursor).size(), 10U);
+}
+
 TEST(DataCursorFile, HasNothingToReadWhereThereIsNoSuchFile) {
   const TemporaryFolder folder;
   writeBytes(folder / "empty", "");

@@ -66,6 +66,48 @@ TEST(FractionNumber, ComesFromIntegers) {
   EXPECT_EQ(pairOf(QXFractionNumber::qxFractionNumberWithInt(0)), (FractionPair{0, 1}));
 }
 
+TEST(FractionNumber, ComesFromDoublesByAShortExpansion) {
+  const std::pair<double, FractionPair> cases[] = {
+      {0.5, {1, 2}},
+      {0.25, {1, 4}},
+      {0.1, {1, 10}},
+      {1.0 / 3, {1, 3}},
+      {3.14159, {355, 113}},
+      {2.5, {4, 1}},
+      {-2.5, {-4, 1}},
+      {1.5, {3, 1}},
+      {2.0 / 3, {3, 1}},
+      {0.4, {4, 1}},
+      {0.3, {10, 3}},
+      {0.375, {5, 2}},
+      {0.6, {4, 3}},
+      {0.75, {1125899906842628, 1125899906842627}},
+      {3.75, {4503599627370511, 1125899906842628}},
+      {1.0 / 49, {140737488355377, 1}},  // 1/(1/49) is less than 49 in doubles
+      {4.0, {4, 1}},
+      {-7.0, {-7, 1}},
+      {0.0, {0, 1}},
+      {-0.0, {0, 1}},
+      {-0.5, {-1, 2}},
+      {-9223372036854775808.0, {kLeast, 1}},
+      {9223372036854775808.0, {kLeast, 1}},
+      {1e300, {kLeast, 1}},
+      {-1e300, {kLeast, 1}},
+      {std::numeric_limits<double>::infinity(), {kLeast, 1}},
+      {std::numeric_limits<double>::quiet_NaN(), {kLeast, 1}},
+      {1e-300, {1, kLeast}},
+  };
+  for (const auto& [x, pair] : cases) {
+    EXPECT_EQ(pairOf(QXFractionNumber::qxFractionNumberWithDouble(x)), pair) << x;
+    EXPECT_EQ(pairOf(QXFractionNumber::initWithDouble(x)), pair) << x;
+  }
+  EXPECT_EQ(pairOf(QXFractionNumber::qxFractionNumberWithFloat(0.25F)), (FractionPair{1, 4}));
+  // The float is a little more than a tenth: quotients 0, 9, 1 and a great one.
+  EXPECT_EQ(pairOf(QXFractionNumber::initWithFloat(0.1F)), (FractionPair{60397975, 6710886}));
+  EXPECT_EQ(pairOf(QXFractionNumber::qxFractionNumberWithFloat(0.1F)),
+            (FractionPair{60397975, 6710886}));
+}
+
 TEST(FractionNumber, DescribesItself) {
   const std::pair<FractionPair, const char*> cases[] = {
       {{0, 0}, "0"},
@@ -262,6 +304,39 @@ TEST(FractionNumber, IsFoundInSetsAndKeptInArrays) {
   const auto list = array(fraction(3, 2), 1);
   EXPECT_EQ(list->indexOfObject(1.5), 0U);
   EXPECT_EQ(pairOf(list->objectAtIndex(0).as<QXFractionNumber>()), (FractionPair{3, 2}));
+}
+
+TEST(FractionNumber, IsSortedAmongOtherNumbers) {
+  const auto list = array(dict({{"f", 2}}), dict({{"f", fraction(5, 2)}}), dict({{"f", 0.25}}),
+                          dict({{"f", fraction(-1, 3)}}), dict({{"f", fraction(1, 2)}}),
+                          dict({{"f", DecimalNumber::initWithString("2.25")}}));
+  const auto sorted = arraySortedStablyUsingOrderings(
+      list, array(QXSortOrdering::sortOrderingWithKey("f", "compareAscending:")));
+  const double expected[] = {-1.0 / 3, 0.25, 0.5, 2, 2.25, 2.5};
+  for (std::size_t i = 0; i < std::size(expected); ++i) {
+    EXPECT_EQ(sorted->objectAtIndex(i)["f"].doubleValue(), expected[i]) << i;
+  }
+  const auto unstable = PropertyValue(list->mutableCopy()).as<MutableArray>();
+  sortUsingKeyOrderArray(unstable,
+                         array(QXSortOrdering::sortOrderingWithKey("f", "compareAscending:")));
+  EXPECT_TRUE(unstable->isEqualToArray(sorted));
+}
+
+TEST(FractionNumber, IsQualifiedByItsValueAndItsParts) {
+  const auto list =
+      array(dict({{"f", fraction(1, 2)}}), dict({{"f", fraction(5, 2)}}), dict({{"f", 1.5}}));
+  EXPECT_EQ(filteredArrayUsingQualifier(list, qualifierWithQualifierFormat("f > %d", 1))->count(),
+            2U);
+  EXPECT_EQ(
+      filteredArrayUsingQualifier(list, qualifierWithQualifierFormat("f = %@", fraction(3, 2)))
+          ->count(),
+      1U);
+  // In a format a point ends the key; in code the key is a path.
+  EXPECT_EQ(filteredArrayUsingQualifier(
+                list, QXKeyValueQualifier::initWithKey("f.numerator", "isEqualTo:", 5))
+                ->count(),
+            1U);
+  EXPECT_EQ(PropertyValue(fraction(1, 2))["denominator"], 2);
 }
 
 TEST(FractionNumber, AnswersSelectors) {

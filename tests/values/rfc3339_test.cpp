@@ -100,8 +100,7 @@ TEST(Rfc3339Reader, RefusesEverythingElse) {
       "2021-03-04T05:06:60Z",
       "2021-03-04T5:06:07Z",
       "2021-03-04T05:06:7Z",
-      "2021-03-04T05:06:07\xE2\x88\x92"
-      "02:00",
+      "2021-03-04T05:06:07\u221202:00",
   };
   for (const char* text : texts) EXPECT_EQ(qxDateFromRFC3339String(text), nullptr) << text;
   EXPECT_EQ(qxDateFromRFC3339String(nullptr), nullptr);
@@ -171,6 +170,27 @@ TEST(Rfc3339Writer, GivesBackTheTextWithItsOffset) {
         "2021-03-04T05:06:07-00:00", "0000-01-01T00:00:00+23:59", "9999-12-31T23:59:59-23:59"}) {
     EXPECT_EQ(written(qxRFC3339String(*qxOffsetDateFromRFC3339String(text))), text);
   }
+}
+
+TEST(Rfc3339Writer, WritesLocalTimeWithItsOffset) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"UTC", "2021-07-04T12:00:00.5Z"},
+      {"America/New_York", "2021-07-04T08:00:00.5-04:00"},
+      {"Australia/Sydney", "2021-07-04T22:00:00.5+10:00"},
+      {"Asia/Kathmandu", "2021-07-04T17:45:00.5+05:45"},
+      {"Pacific/Pago_Pago", "2021-07-04T01:00:00.5-11:00"},
+  };
+  for (const auto& [name, text] : cases) {
+    const ScopedZone zone(name);
+    EXPECT_EQ(written(qxLocalRFC3339String(dateAt(1625400000.5))), text) << name;
+  }
+  // Until 1883 New York was 4:56:02 behind: there 13:43:58 is shown as the minute's full offset has
+  // it.
+  const ScopedZone zone("America/New_York");
+  EXPECT_EQ(written(qxLocalRFC3339String(dateAt(-3000000000))), "1874-12-07T13:44:00-04:56");
+  EXPECT_EQ(written(qxLocalRFC3339String(dateAt(std::nan("")))), "nil");
+  EXPECT_EQ(written(qxLocalRFC3339String(dateAt(1e300))), "nil");
+  EXPECT_EQ(written(qxLocalRFC3339String(dateAt(1e12))), "nil");
 }
 
 void expectRoundTrip(double seconds, int offset) {

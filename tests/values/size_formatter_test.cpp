@@ -1,6 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <cinttypes>
+#include <cstdio>
 #include <limits>
+#include <random>
 
 #include <QXFoundation/QXFoundation.h>
 #include <QXFoundation/size_formatter.h>
@@ -56,6 +59,52 @@ TEST(SizeFormatter, PrintsCountsWithoutRounding) {
   }
 }
 
+// The rules as they are laid down, with the texts that printf makes.
+std::string byPrintf(std::int64_t n) {
+  char text[64];
+  const auto count = static_cast<std::uint64_t>(n);
+  const auto print = [&](std::uint64_t unit, std::uint64_t least, const char* name) {
+    const std::uint64_t q = count / unit;
+    const std::uint64_t r = count - q * unit;
+    if (r >= least) {
+      std::snprintf(text, sizeof text, "%" PRIu64 ".%" PRIu64 " %s", q, r / least, name);
+    } else {
+      std::snprintf(text, sizeof text, "%" PRIu64 " %s", q, name);
+    }
+  };
+  if (n >= 1000000000) {
+    print(1000000000, 10000000, "GB");
+  } else if (n >= 1000000) {
+    print(1000000, 10000, "MB");
+  } else if (n <= 1000) {
+    std::snprintf(text, sizeof text, "%" PRId64 " bytes", n);
+  } else {
+    print(1000, 1, "KB");
+  }
+  return text;
+}
+
+TEST(SizeFormatter, FollowsTheRules) {
+  const auto formatter = QXSizeFormatter::init();
+  const auto same = [&](std::int64_t n) {
+    ASSERT_EQ(QXSizeFormatter::stringForByteCount(n)->utf8(), byPrintf(n));
+    // Integers alone are read in another way than texts that begin with a number.
+    if (n % 16 == 0) {
+      ASSERT_EQ(formatter->stringForObjectValue(std::to_string(n)), byPrintf(n));
+      ASSERT_EQ(formatter->stringForObjectValue(' ' + std::to_string(n)), byPrintf(n));
+    }
+  };
+  for (std::int64_t n = -2000; n <= 200000; ++n) same(n);
+  for (const std::int64_t unit : {1000, 1000000, 1000000000}) {
+    for (std::int64_t n = -1000; n <= 1000; ++n) {
+      same(unit + n);
+      same(unit * 7 + n * (unit / 1000));
+    }
+  }
+  std::mt19937_64 random(67);
+  for (int i = 0; i < 200000; ++i) same(static_cast<std::int64_t>(random()) >> (random() % 64));
+}
+
 TEST(SizeFormatter, TakesNumbersOfEveryKindAndStrings) {
   const auto formatter = QXSizeFormatter::init();
   const std::pair<PropertyValue, const char*> cases[] = {
@@ -74,6 +123,11 @@ TEST(SizeFormatter, TakesNumbersOfEveryKindAndStrings) {
       {"", "0 bytes"},
       {"many", "0 bytes"},
       {"9007199254740993", "9007199.25 GB"},
+      {"007", "7 bytes"},
+      {"-0", "0 bytes"},
+      {"+7", "7 bytes"},
+      {"-9223372036854775808", "-9223372036854775808 bytes"},
+      {MutableString::from("1001 \u4E00"), "1.1 KB"},
       {MutableString::from("1001"), "1.1 KB"},
       {make<Folder>(1500), "1.500 KB"},
   };

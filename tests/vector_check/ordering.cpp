@@ -204,7 +204,7 @@ Outcome insertKeyOrder(const json& args, const json& expect) {
   for (const json& slot : args.at("values")) {
     array->addObject(make<AskedElement>(slotValue(slot), array->count(), &asked));
   }
-  const PropertyValue object = make<AskedElement>(slotValue(args.at("object")), 0, nullptr);
+  const PropertyValue object = make<AskedElement>(slotValue(args.at("object")), 0U, nullptr);
   insertObjectInSortedArray(array, object, ordering(kKey, selectorOf(args)));
   return compare(expect, {{"index", array->indexOfObjectIdenticalTo(object)}, {"probes", asked}});
 }

@@ -1,7 +1,6 @@
 #include "tools/qx/arguments.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cstdint>
 #include <limits>
 #include <optional>
@@ -11,6 +10,7 @@
 
 #include "tools/qx/failure.h"
 #include "tools/qx/json_reader.h"
+#include "tools/qx/number_of.h"
 #include "tools/qx/printable.h"
 
 namespace qxtool {
@@ -31,15 +31,6 @@ std::string conversionsOf(std::string_view format) {
   ConversionSink sink;
   qx::detail::format::Scanner<ConversionSink>(format, sink).run();
   return sink.letters;
-}
-
-// Nothing but the number.
-template <class N>
-std::optional<N> numberOf(std::string_view text) {
-  N number{};
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-  if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
-  return number;
 }
 
 qx::PropertyValue integerFor(const Given& given, const qx::PropertyValue& value) {

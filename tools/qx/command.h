@@ -20,5 +20,10 @@ struct Command {
 
 extern const Command kSelectCommand;
 extern const Command kExplainCommand;
+extern const Command kPlistCommand;
+extern const Command kDateCommand;
+extern const Command kSizeCommand;
+extern const Command kFractionCommand;
+extern const Command kPrefsCommand;
 
 }  // namespace qxtool

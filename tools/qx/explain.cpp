@@ -32,7 +32,8 @@ void runExplain(const ExplainOptions& options) {
 
 std::function<void()> declareExplain(CLI::App& app) {
   const auto options = std::make_shared<ExplainOptions>();
-  app.add_option("FORMAT", options->format, "A qualifier format, as for select --where")
+  app.add_option("FORMAT", options->format,
+                 "A qualifier format, as for select --where; behind -- if it begins with -")
       ->type_name("")
       ->required();
   options->arguments.declare(app);

@@ -1,7 +1,8 @@
-// Failure: what ends the program with exit code 2.
+// Failure: what ends the program with an exit code other than 0.
 #pragma once
 
 #include <stdexcept>
+#include <string>
 
 namespace qxtool {
 
@@ -9,7 +10,16 @@ namespace qxtool {
 // they are made printable where the reason is shown.
 class Failure : public std::runtime_error {
  public:
-  using std::runtime_error::runtime_error;
+  static constexpr int kFailed = 2;
+  // What was asked for is not there; nothing has gone wrong.
+  static constexpr int kNotFound = 1;
+
+  explicit Failure(const std::string& reason, int exitCode = kFailed)
+      : std::runtime_error(reason), exitCode_(exitCode) {}
+  int exitCode() const { return exitCode_; }
+
+ private:
+  int exitCode_;
 };
 
 }  // namespace qxtool

@@ -30,6 +30,7 @@ Input::Input(const std::string& path, Progress& progress)
     size_ = static_cast<std::uint64_t>(status.st_size);
   }
   block_.resize(kBlockSize);
+  next_ = end_ = block_.data();
 }
 
 Input::~Input() {
@@ -37,16 +38,38 @@ Input::~Input() {
 }
 
 bool Input::readBlock() {
+  next_ = end_ = block_.data();
+  return readMore();
+}
+
+bool Input::readMore() {
+  if (ended_) return false;
+  const auto room = static_cast<std::size_t>(block_.data() + block_.size() - end_);
   ssize_t count = 0;
   do {
-    count = ::read(file_, block_.data(), block_.size());
+    count = ::read(file_, end_, room);
   } while (count < 0 && errno == EINTR);
   if (count < 0) failReading(name_);
-  next_ = block_.data();
-  end_ = next_ + count;
+  ended_ = count == 0;
+  end_ += count;
   read_ += static_cast<std::uint64_t>(count);
   progress_.tick("reading", read_, size_);
-  return count > 0;
+  return !ended_;
+}
+
+std::string_view Input::start() {
+  while (end_ != block_.data() + block_.size() && readMore()) {
+  }
+  return {next_, static_cast<std::size_t>(end_ - next_)};
+}
+
+std::string Input::takeRest() {
+  std::string rest;
+  while (!atEnd()) {
+    rest.append(next_, static_cast<std::size_t>(end_ - next_));
+    next_ = end_;
+  }
+  return rest;
 }
 
 }  // namespace qxtool

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <iterator>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace qxtool {
@@ -26,6 +27,10 @@ class Input {
   std::uint64_t position() const { return read_ - static_cast<std::uint64_t>(end_ - next_); }
 
   bool atEnd() { return next_ == end_ && !readBlock(); }
+  // The first bytes, as many as a block holds or there are; before any is taken. Waits for them.
+  std::string_view start();
+  // Takes all that is left.
+  std::string takeRest();
   // Not at the end.
   const char& current() const { return *next_; }
   void advance() { ++next_; }
@@ -60,15 +65,18 @@ class Input {
 
  private:
   bool readBlock();
+  // Reads into what is left of the block; false at the end.
+  bool readMore();
 
   std::string name_;
   int file_ = -1;
   Progress& progress_;
   std::uint64_t size_ = 0;  // 0 where it is not known
   std::uint64_t read_ = 0;
+  bool ended_ = false;
   std::vector<char> block_;
   const char* next_ = nullptr;
-  const char* end_ = nullptr;
+  char* end_ = nullptr;
 };
 
 }  // namespace qxtool

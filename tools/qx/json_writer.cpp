@@ -24,7 +24,6 @@ void appendInteger(std::string& out, I value) {
 }
 
 void appendReal(std::string& out, double value) {
-  if (!std::isfinite(value)) throw Failure("JSON cannot hold a number that is not finite");
   char digits[32];
   const std::string_view text(
       digits,
@@ -35,7 +34,6 @@ void appendReal(std::string& out, double value) {
 
 void appendNumber(std::string& out, const qx::PropertyValue& value) {
   if (const auto* decimal = value.peek<qx::DecimalNumber>()) {
-    if (decimal->isNaN()) throw Failure("JSON cannot hold a number that is not finite");
     out += decimal->stringValue();
   } else if (const auto truth = value.to<bool>()) {
     out += *truth ? "true" : "false";
@@ -48,25 +46,41 @@ void appendNumber(std::string& out, const qx::PropertyValue& value) {
   }
 }
 
-void appendArray(std::string& out, const qx::Array& array) {
+// Why a value that is no container has no form in JSON; null when it has one.
+const char* leafGapOf(const qx::PropertyValue& value) {
+  if (value.isNumber()) {
+    const auto* decimal = value.peek<qx::DecimalNumber>();
+    const bool isFinite =
+        decimal != nullptr ? !decimal->isNaN() : std::isfinite(value.doubleValue());
+    return isFinite ? nullptr : "a number that is not finite has no form in JSON";
+  }
+  if (value.isString() || value.isNull()) return nullptr;
+  if (value.isDate()) return "a date has no form in JSON";
+  if (value.isData()) return "data has no form in JSON";
+  return "a value of this class has no form in JSON";
+}
+
+using Append = void (*)(std::string&, const qx::PropertyValue&);
+
+void appendArray(std::string& out, const qx::Array& array, Append append) {
   out += '[';
   const char* separator = "";
   for (const qx::PropertyValue& element : array) {
     out += separator;
-    appendJson(out, element);
+    append(out, element);
     separator = ", ";
   }
   out += ']';
 }
 
-void appendDictionary(std::string& out, const qx::Dictionary& dictionary) {
+void appendDictionary(std::string& out, const qx::Dictionary& dictionary, Append append) {
   out += '{';
   const char* separator = "";
   for (const auto& [key, value] : dictionary) {
     out += separator;
     appendJsonString(out, key.utf8());
     out += ": ";
-    appendJson(out, value);
+    append(out, value);
     separator = ", ";
   }
   out += '}';
@@ -114,21 +128,64 @@ void appendJsonString(std::string& out, std::string_view text) {
   out += '"';
 }
 
-void appendJson(std::string& out, const qx::PropertyValue& value) {
-  if (value.isString()) {
+namespace {
+
+// False for a leaf that has no form in JSON; `append` is for what containers hold.
+bool appendIfHeld(std::string& out, const qx::PropertyValue& value, Append append) {
+  if (value.isDictionary()) {
+    appendDictionary(out, *value.peek<qx::Dictionary>(), append);
+  } else if (value.isArray()) {
+    appendArray(out, *value.peek<qx::Array>(), append);
+  } else if (leafGapOf(value) != nullptr) {
+    return false;
+  } else if (value.isString()) {
     appendJsonString(out, value.peek<qx::String>()->utf8());
   } else if (value.isNumber()) {
     appendNumber(out, value);
-  } else if (value.isNull()) {
-    out += "null";
-  } else if (value.isDictionary()) {
-    appendDictionary(out, *value.peek<qx::Dictionary>());
-  } else if (value.isArray()) {
-    appendArray(out, *value.peek<qx::Array>());
   } else {
-    throw Failure(std::string("a value of the class ") +
-                  (value.isNil() ? "nil" : value.cls()->name()) + " has no form in JSON");
+    out += "null";
   }
+  return true;
+}
+
+}  // namespace
+
+void appendJson(std::string& out, const qx::PropertyValue& value) {
+  if (!appendIfHeld(out, value, &appendJson)) throw Failure(leafGapOf(value));
+}
+
+void appendShown(std::string& out, const qx::PropertyValue& value) {
+  if (!appendIfHeld(out, value, &appendShown)) out += printable(value.description());
+}
+
+std::optional<JsonGap> jsonGapOf(const qx::PropertyValue& value) {
+  if (const auto* array = value.peek<qx::Array>()) {
+    for (std::size_t i = 0; i < array->count(); ++i) {
+      if (auto gap = jsonGapOf(array->begin()[i])) {
+        gap->path.insert(0, "[" + std::to_string(i) + "]");
+        return gap;
+      }
+    }
+    return std::nullopt;
+  }
+  if (const auto* dictionary = value.peek<qx::Dictionary>()) {
+    for (const auto& [key, entry] : *dictionary) {
+      if (auto gap = jsonGapOf(entry)) {
+        gap->path.insert(0, "." + key.utf8());
+        return gap;
+      }
+    }
+    return std::nullopt;
+  }
+  const char* const reason = leafGapOf(value);
+  return reason == nullptr ? std::nullopt : std::optional<JsonGap>({"", reason});
+}
+
+void failFor(const JsonGap& gap, const std::string& place) {
+  std::string text = place.empty() ? "" : place + ": ";
+  const std::string path = gap.path.substr(gap.path.starts_with('.') ? 1 : 0);
+  if (!path.empty()) text += cutToWidth(printable(path), 100) + ": ";
+  throw Failure(text + gap.reason);
 }
 
 }  // namespace qxtool

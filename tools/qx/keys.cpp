@@ -63,4 +63,20 @@ qx::PropertyValue valueAt(const qx::PropertyValue& record, const Key& key) {
   return key.firstStep == nullptr ? qx::PropertyValue() : record.valueForKeyPath(key.path);
 }
 
+qx::PropertyValue chosenFrom(const qx::PropertyValue& record, const Keys& keys) {
+  if (keys.empty()) return record;
+  std::vector<qx::Entry> entries;
+  for (const auto& [entryKey, entry] : recordOf(record)) {
+    for (const Key& key : keys) {
+      const bool isEntry = key.path->isEqualToString(entryKey);
+      if (!isEntry && (key.firstStep == nullptr || !key.firstStep->isEqualToString(entryKey)))
+        continue;
+      if (!isEntry && recordOf(record).find(key.path) != nullptr) continue;
+      const qx::PropertyValue value = isEntry ? entry : record.valueForKeyPath(key.path);
+      if (value != nullptr) entries.push_back({*key.path, value});
+    }
+  }
+  return qx::Dictionary::from(entries.data(), entries.size());
+}
+
 }  // namespace qxtool

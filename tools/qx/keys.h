@@ -31,4 +31,8 @@ inline const qx::Dictionary& recordOf(const qx::PropertyValue& element) {
 // The record's entry with that key, else what the key path leads to; nil where there is nothing.
 qx::PropertyValue valueAt(const qx::PropertyValue& record, const Key& key);
 
+// The record with nothing but those keys, in its own order; a key path stands where the record has
+// its first step. The record itself when there are no keys.
+qx::PropertyValue chosenFrom(const qx::PropertyValue& record, const Keys& keys);
+
 }  // namespace qxtool

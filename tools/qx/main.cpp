@@ -1,4 +1,4 @@
-// qx: qualifiers on files, from the command line.
+// qx: qualifiers on files, property lists, settings, and single values, from the command line.
 
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
@@ -19,8 +19,9 @@
 namespace qxtool {
 namespace {
 
-constexpr int kFailed = 2;
-const Command* const kCommands[] = {&kSelectCommand, &kExplainCommand};
+const Command* const kCommands[] = {&kSelectCommand,  &kExplainCommand, &kPlistCommand,
+                                    &kPrefsCommand,   &kDateCommand,    &kSizeCommand,
+                                    &kFractionCommand};
 
 void show(const std::string& text) {
   Output output;
@@ -28,14 +29,18 @@ void show(const std::string& text) {
   output.finish();
 }
 
-int fail(const std::string& reason) {
+int fail(const std::string& reason, int exitCode = Failure::kFailed) {
   std::cerr << "qx: " << printable(reason) << '\n';
-  return kFailed;
+  return exitCode;
 }
 
 // Parses the command line and does what it says.
 void run(int argc, char** argv) {
-  CLI::App app("Selects records from files by qualifiers.", "qx");
+  CLI::App app(
+      "Selects records from files by qualifiers, converts property lists, keeps settings, and "
+      "shows "
+      "what single values stand for.",
+      "qx");
   app.get_formatter()->column_width(24);
   app.set_version_flag("--version", "qx " QX_VERSION);
   app.require_subcommand(0, 1);
@@ -65,6 +70,8 @@ int main(int argc, char** argv) {
   try {
     qxtool::run(argc, argv);
     return 0;
+  } catch (const qxtool::Failure& failure) {
+    return fail(failure.what(), failure.exitCode());
   } catch (const qx::Exception& error) {
     return fail(error.reason());
   } catch (const std::bad_alloc&) {

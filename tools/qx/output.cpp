@@ -43,6 +43,10 @@ void Output::finish() {
 
 bool outputIsTerminal() { return ::isatty(STDOUT_FILENO) == 1; }
 
+void requireNoTerminal() {
+  if (outputIsTerminal()) throw Failure("binary property lists are not written to a terminal");
+}
+
 std::size_t terminalWidth() {
   winsize size{};
   if (::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0) return size.ws_col;

@@ -26,6 +26,8 @@ class Output {
 
 // True when people are looking at it.
 bool outputIsTerminal();
+// A Failure when they are: for bytes that would upset their terminal.
+void requireNoTerminal();
 // Columns of that terminal; 80 where it does not tell.
 std::size_t terminalWidth();
 

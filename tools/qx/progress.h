@@ -17,7 +17,8 @@ class Progress {
   // Cheap; may be called for every block or some hundred records. A total of 0 is not known: `done`
   // is then shown itself, as bytes.
   void tick(const char* doing, std::uint64_t done, std::uint64_t total);
-  // Removes the line, for the output to have the terminal for itself from now on.
+  // Removes the line, for the output to have the terminal for itself, or for work that has no share
+  // to tell of, such as sorting. A later tick shows it again.
   void stop();
 
  private:

@@ -50,7 +50,7 @@ bool isObjectOfClass(const PropertyValue& v) {
 
 // Keys in the format's own letters stand bare, like in a format.
 std::string keyLabel(const Ref<qx::String>& key) {
-  if (key == nullptr) return "nil";
+  if (key == nullptr) return "absent key";
   const std::string text = key->utf8();
   const auto isBare = [](char c) { return qx::detail::format::isWordByte(c) || c == '.'; };
   if (!text.empty() && std::all_of(text.begin(), text.end(), isBare)) return text;
@@ -80,7 +80,9 @@ std::string labelOf(const PropertyValue& qualifier) {
     return keyLabel(q->key()) + operatorLabel(q->selector()) + constantLabel(q->value());
   }
   if (const auto* q = qualifier.peek<qx::QXKeyComparisonQualifier>()) {
-    return keyLabel(q->leftKey()) + operatorLabel(q->selector()) + "key " + keyLabel(q->rightKey());
+    const std::string right =
+        q->rightKey() == nullptr ? "absent key" : "key " + keyLabel(q->rightKey());
+    return keyLabel(q->leftKey()) + operatorLabel(q->selector()) + right;
   }
   return qualifier == nullptr ? "nil" : compoundOf(qualifier).name;
 }

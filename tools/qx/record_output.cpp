@@ -3,7 +3,8 @@
 namespace qxtool {
 namespace {
 
-constexpr RecordForm kForms[] = {{"table", &writeTable}, {"json", &writeJson}};
+constexpr RecordForm kForms[] = {
+    {"table", &writeTable}, {"json", &writeJson}, {"plist", &writeXml}, {"binary", &writeBinary}};
 
 }  // namespace
 

@@ -31,6 +31,10 @@ const RecordForm* recordFormNamed(std::string_view name);
 // One array, one record a line, the keys in the record's order.
 void writeJson(const RecordView& view, Output& output, Progress& progress);
 
+// A property list: one array.
+void writeXml(const RecordView& view, Output& output, Progress& progress);
+void writeBinary(const RecordView& view, Output& output, Progress& progress);
+
 // A line of keys, then one line a record, in aligned columns. Numbers stand at the right. On a
 // terminal, cells are cut where a line would be longer than the screen is wide.
 void writeTable(const RecordView& view, Output& output, Progress& progress);

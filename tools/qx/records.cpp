@@ -2,12 +2,17 @@
 
 #include "tools/qx/input.h"
 #include "tools/qx/json_reader.h"
+#include "tools/qx/plist_reader.h"
 
 namespace qxtool {
 
 void readRecords(const std::string& path, RecordSink& sink, Progress& progress) {
   Input input(path, progress);
-  readJsonRecords(input, sink);
+  if (looksLikePropertyList(input.start())) {
+    readPropertyListRecords(input, sink);
+  } else {
+    readJsonRecords(input, sink);
+  }
 }
 
 }  // namespace qxtool

@@ -18,8 +18,8 @@ class RecordSink {
   ~RecordSink() = default;
 };
 
-// Reads a file to its end; "-" is standard input. A Failure names the file, and the place where it
-// is malformed.
+// Reads a file to its end, JSON or a property list, as its first bytes tell; "-" is standard input.
+// A Failure names the file, and the place where it is malformed.
 void readRecords(const std::string& path, RecordSink& sink, Progress& progress);
 
 }  // namespace qxtool

@@ -3,13 +3,13 @@
 #include <unistd.h>
 
 #include <CLI/App.hpp>
-#include <charconv>
 #include <cstdint>
 #include <limits>
 #include <memory>
 #include <optional>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include <QXFoundation/array.h>
 #include <QXFoundation/filter.h>
@@ -20,10 +20,12 @@
 #include "tools/qx/failure.h"
 #include "tools/qx/format.h"
 #include "tools/qx/keys.h"
+#include "tools/qx/number_of.h"
 #include "tools/qx/output.h"
 #include "tools/qx/progress.h"
 #include "tools/qx/record_output.h"
 #include "tools/qx/records.h"
+#include "tools/qx/sorting.h"
 
 namespace qxtool {
 namespace {
@@ -34,6 +36,7 @@ struct SelectOptions {
   ArgumentOptions arguments;
   std::optional<std::string> keys;
   std::optional<std::string> limit;
+  std::vector<std::string> sort;
   bool count = false;
   std::string output = "table";
 };
@@ -56,7 +59,7 @@ class Selection : public RecordSink {
   void finish() { decide(); }
 
   std::uint64_t count() const { return count_; }
-  const qx::Array& records() const { return *records_; }
+  qx::MutableArray& records() { return *records_; }
 
  private:
   static constexpr std::size_t kBatch = 4096;
@@ -105,25 +108,37 @@ std::optional<qx::Ref<qx::QXQualifier>> qualifierOf(const SelectOptions& options
   }
 }
 
+constexpr std::uint64_t kUnlimited = std::numeric_limits<std::uint64_t>::max();
+
 std::uint64_t limitOf(const SelectOptions& options) {
-  if (!options.limit) return std::numeric_limits<std::uint64_t>::max();
-  const std::string& text = *options.limit;
-  std::uint64_t limit = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), limit);
-  if (error != std::errc() || end != text.data() + text.size()) {
-    throw Failure("--limit takes a number of records, not " + text);
-  }
-  return limit;
+  if (!options.limit) return kUnlimited;
+  const auto limit = numberOf<std::uint64_t>(*options.limit);
+  if (!limit) throw Failure("--limit takes a number of records, not " + *options.limit);
+  return *limit;
+}
+
+void cut(qx::MutableArray& records, std::uint64_t limit) {
+  while (records.count() > limit) records.removeLastObject();
 }
 
 void runSelect(const SelectOptions& options) {
   const RecordForm* form = recordFormNamed(options.output);
-  if (form == nullptr) throw Failure("--output takes table or json, not " + options.output);
+  if (form == nullptr)
+    throw Failure("--output takes table, json, plist or binary, not " + options.output);
   const Keys keys = options.keys ? keysFromList(*options.keys) : Keys();
-  Selection selection(qualifierOf(options), limitOf(options), options.count);
+  const qx::Ref<qx::Array> orderings = orderingsOf(options.sort);
+  const std::uint64_t limit = limitOf(options);
+  // What comes first is known only when all are sorted.
+  const bool takesAll = !options.sort.empty() && !options.count;
+  Selection selection(qualifierOf(options), takesAll ? kUnlimited : limit, options.count);
   Progress progress;
   readRecords(options.file, selection, progress);
   selection.finish();
+  if (takesAll) {
+    progress.stop();
+    sortRecords(selection.records(), orderings);
+    cut(selection.records(), limit);
+  }
   Output output;
   if (options.count) {
     output.write(std::to_string(selection.count()) + "\n");
@@ -135,7 +150,8 @@ void runSelect(const SelectOptions& options) {
 
 std::function<void()> declareSelect(CLI::App& app) {
   const auto options = std::make_shared<SelectOptions>();
-  app.add_option("FILE", options->file, "JSON: an array of dictionaries; - is standard input")
+  app.add_option("FILE", options->file,
+                 "JSON or a property list, an array of dictionaries; - is standard input")
       ->type_name("")
       ->required();
   app.add_option("--where", options->where, "The qualifier that records must pass")
@@ -143,9 +159,16 @@ std::function<void()> declareSelect(CLI::App& app) {
   options->arguments.declare(app);
   app.add_option("--keys", options->keys, "What to show of a record: keys or key paths")
       ->type_name("K1,K2");
-  app.add_option("--limit", options->limit, "Take the first N records that pass")->type_name("N");
+  app.add_option("--sort", options->sort,
+                 "Sort by KEY: ascending (the default), descending, ci-ascending or ci-descending. "
+                 "Several: a stable sort, each deciding where those before it do not")
+      ->type_name("KEY[:ORDER]")
+      ->allow_extra_args(false);
+  app.add_option("--limit", options->limit, "Take the first N records that pass, after sorting")
+      ->type_name("N");
   app.add_flag("--count", options->count, "Show how many there are");
-  app.add_option("--output", options->output, "table (the default) or json")->type_name("FORM");
+  app.add_option("--output", options->output, "table (the default), json, plist (XML) or binary")
+      ->type_name("FORM");
   return [options] { runSelect(*options); };
 }
 
@@ -155,8 +178,10 @@ const Command kSelectCommand{
     "select", "Show the records of a file that a qualifier accepts",
     "Examples:\n"
     "  qx select people.json --where 'age > %d and name like %@' --arg 30 --arg 'J*'\n"
-    "  qx select people.json --where 'address.city = %@' --arg Oslo --keys name,address.city\n"
+    "  qx select people.json --where '%s = %@' --arg address.city --arg Oslo --keys name\n"
     "  qx select people.json --where 'email = %@' --arg-json null --count\n"
+    "  qx select people.plist --where 'age > %d' --arg 30 --output plist >grown-up.plist\n"
+    "  qx select people.json --sort score:descending --sort name:ci-ascending --limit 10\n"
     "  curl -s https://example.org/items.json | qx select - --limit 10 --output json",
     &declareSelect};
 

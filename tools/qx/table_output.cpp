@@ -28,12 +28,12 @@ struct Column {
   bool isNumeric = true;
 };
 
-// Strings as they are, everything else as JSON; empty for nil.
+// Strings as they are, everything else as JSON if it has a form there; empty for nil.
 std::string cellText(const qx::PropertyValue& value) {
   if (value == nullptr) return {};
   if (value.isString()) return printable(value.description());
   std::string text;
-  appendJson(text, value);
+  appendShown(text, value);
   return text;
 }
 

@@ -1,0 +1,234 @@
+// qx prefs: the settings of a file, or of an application.
+
+#include <CLI/App.hpp>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <QXFoundation/dictionary.h>
+#include <QXFoundation/preferences.h>
+#include <QXFoundation/property_list.h>
+
+#include "tools/qx/command.h"
+#include "tools/qx/failure.h"
+#include "tools/qx/json_writer.h"
+#include "tools/qx/output.h"
+#include "tools/qx/prefs_store.h"
+#include "tools/qx/prefs_values.h"
+#include "tools/qx/printable.h"
+
+namespace qxtool {
+namespace {
+
+// The words of the command line in their order; with --application, FILE is none of them.
+struct PrefsOptions {
+  std::optional<std::string> words[4];
+  std::optional<std::string> application;
+  std::optional<std::string> type;
+  bool json = false;
+};
+
+struct Request {
+  std::optional<std::string> file;  // none: an application's
+  std::string action;
+  std::optional<std::string> keyPath;
+  std::optional<std::string> value;
+};
+
+Request requestOf(const PrefsOptions& options) {
+  const std::optional<std::string>* word = options.words;
+  Request request;
+  if (!options.application) request.file = *word++;
+  if (!options.application && !request.file) throw Failure("FILE or --application is missing");
+  if (!*word) throw Failure("an action is missing: get, set, remove or list");
+  request.action = *word[0];
+  request.keyPath = word[1];
+  request.value = word[2];
+  if (options.application && options.words[3]) {
+    throw Failure("with --application there is no FILE: get, set, remove or list comes first");
+  }
+  return request;
+}
+
+struct Work {
+  const SettingsPlace& place;
+  const Request& request;
+  const PrefsOptions& options;
+};
+
+void show(const std::string& text) {
+  Output output;
+  output.write(text);
+  output.finish();
+}
+
+// Safe for a terminal; every byte as it is for everything else.
+std::string shown(const std::string& text) { return outputIsTerminal() ? printable(text) : text; }
+
+qx::PropertyValue required(const Work& work, const qx::QXPreferences& store) {
+  qx::PropertyValue value = store.objectForKeyPath(*work.request.keyPath);
+  if (value.isNil()) {
+    throw Failure(work.place.path() + ": nothing stands at " + *work.request.keyPath,
+                  Failure::kNotFound);
+  }
+  return value;
+}
+
+void save(const Work& work, qx::QXPreferences& store) {
+  if (store.synchronize()) return;
+  throw Failure(work.place.path() + " could not be written; it is as it was");
+}
+
+void get(const Work& work) {
+  const auto store = work.place.open(true);
+  const qx::PropertyValue value = required(work, *store);
+  show((work.options.json ? settingJson(value) : shown(settingText(value))) + "\n");
+}
+
+void requireWritable(const qx::PropertyValue& value) {
+  qx::Ref<qx::Error> error;
+  const auto list = qx::dict({{"value", value}});
+  if (qx::PropertyListSerialization::dataWithPropertyList(list, qx::PropertyListFormat::xml,
+                                                          &error) == nullptr) {
+    throw Failure("VALUE can not be kept: " + error->localizedDescription());
+  }
+}
+
+// Paths whose value would not be found there again, such as one beyond the end of an array, are
+// dropped by a store without a word. Here they change nothing.
+void set(const Work& work) {
+  const std::string& keyPath = *work.request.keyPath;
+  const qx::PropertyValue value =
+      settingFromText(work.options.type.value_or("string"), *work.request.value);
+  requireWritable(value);
+  const auto store = work.place.open(false);
+  store->setObject(value, keyPath);
+  if (store->objectForKeyPath(keyPath) != value) {
+    throw Failure("no value can be set at " + keyPath + ": its index stands for no place");
+  }
+  save(work, *store);
+}
+
+void remove(const Work& work) {
+  const auto store = work.place.open(true);
+  (void)required(work, *store);
+  store->removeObjectForKeyPath(*work.request.keyPath);
+  save(work, *store);
+}
+
+// Whether a key path can hold the key.
+bool isPathKey(std::string_view key) { return key.find_first_of(".[]") == std::string_view::npos; }
+
+// A line for each value that is no dictionary with entries. A key that no path can hold stands as a
+// JSON string, with its value whole.
+void appendLines(std::string& out, const std::string& path, const qx::PropertyValue& value,
+                 bool isReachable) {
+  const auto* dictionary = value.peek<qx::Dictionary>();
+  if (dictionary == nullptr || dictionary->count() == 0 || !isReachable) {
+    out += path + " = " + printable(settingText(value)) + "\n";
+    return;
+  }
+  for (const auto& [key, element] : *dictionary) {
+    const std::string text = key.utf8();
+    std::string name = path.empty() ? std::string() : path + ".";
+    if (isPathKey(text)) {
+      name += printable(text);
+    } else {
+      appendJsonString(name, text);
+    }
+    appendLines(out, name, element, isPathKey(text));
+  }
+}
+
+void list(const Work& work) {
+  const auto store = work.place.open(true);
+  const auto& keyPath = work.request.keyPath;
+  const qx::PropertyValue value = keyPath ? required(work, *store) : store->userValues();
+  if (work.options.json) return show(settingJson(value) + "\n");
+  std::string lines;
+  if (!keyPath && store->userValues()->count() == 0) return;
+  appendLines(lines, keyPath ? printable(*keyPath) : std::string(), value, true);
+  show(lines);
+}
+
+struct Action {
+  std::string_view name;
+  bool needsKeyPath;
+  bool takesValue;
+  bool shows;
+  void (*run)(const Work& work);
+};
+
+constexpr Action kActions[] = {{"get", true, false, true, &get},
+                               {"set", true, true, false, &set},
+                               {"remove", true, false, false, &remove},
+                               {"list", false, false, true, &list}};
+
+const Action& actionNamed(const std::string& name) {
+  for (const Action& action : kActions) {
+    if (action.name == name) return action;
+  }
+  throw Failure("the action is get, set, remove or list, not " + name);
+}
+
+void requireWords(const Action& action, const Request& request, const PrefsOptions& options) {
+  const std::string name(action.name);
+  if (action.needsKeyPath && !request.keyPath) throw Failure(name + " needs a KEYPATH");
+  if (action.takesValue && !request.value) throw Failure(name + " needs a VALUE");
+  if (!action.takesValue && request.value) throw Failure(name + " takes no VALUE");
+  if (!action.takesValue && options.type) throw Failure(name + " takes no --type");
+  if (!action.shows && options.json) throw Failure(name + " shows nothing, and takes no --json");
+  for (const auto& text : {request.keyPath, request.value}) {
+    if (text && !isValidUtf8(*text)) throw Failure(*text + " is not UTF-8");
+  }
+}
+
+void runPrefs(const PrefsOptions& options) {
+  const Request request = requestOf(options);
+  const Action& action = actionNamed(request.action);
+  requireWords(action, request, options);
+  const SettingsPlace place = options.application
+                                  ? SettingsPlace::ofApplication(*options.application)
+                                  : SettingsPlace::ofFile(*request.file);
+  action.run({place, request, options});
+}
+
+std::function<void()> declarePrefs(CLI::App& app) {
+  const auto options = std::make_shared<PrefsOptions>();
+  auto& words = options->words;
+  for (CLI::Option* word :
+       {app.add_option("FILE", words[0], "A property list; left out with --application"),
+        app.add_option("ACTION", words[1], "get, set, remove or list"),
+        app.add_option("KEYPATH", words[2], "Keys with points between, such as ui.font.size"),
+        app.add_option("VALUE", words[3], "What to set; behind -- if it begins with -")}) {
+    word->type_name("")->allow_extra_args(false);
+  }
+  app.add_option("--application", options->application, "The user defaults of this application")
+      ->type_name("NAME");
+  app.add_option("--type", options->type,
+                 std::string("What VALUE is: ") + kSettingTypes + "; string if not given")
+      ->type_name("TYPE");
+  app.add_flag("--json", options->json, "Show values as JSON");
+  return [options] { runPrefs(*options); };
+}
+
+}  // namespace
+
+const Command kPrefsCommand{
+    "prefs", "Show or change the settings of a file or of an application",
+    "Where nothing stands at KEYPATH, the exit code is 1. A file that is no property list is left\n"
+    "as it is. Dates are RFC 3339 text, data is hexadecimal digits.\n"
+    "\n"
+    "Examples:\n"
+    "  qx prefs settings.plist set ui.font.size 11 --type int\n"
+    "  qx prefs settings.plist set recent '[\"a.txt\", \"b.txt\"]' --type json\n"
+    "  qx prefs settings.plist get ui.font.size\n"
+    "  qx prefs settings.plist list\n"
+    "  qx prefs settings.plist list ui --json\n"
+    "  qx prefs settings.plist remove recent\n"
+    "  qx prefs --application myeditor list",
+    &declarePrefs};
+
+}  // namespace qxtool
