@@ -29,6 +29,16 @@ Ref<Date> Date::date() {
                                        static_cast<double>(now.tv_nsec) / 1e9);
 }
 
+// Never destroyed: limits are asked for during static destruction too.
+Ref<Date> Date::distantFuture() {
+  static auto* future = new Ref<Date>(dateWithTimeIntervalSince1970(64092211200.0));
+  return *future;
+}
+Ref<Date> Date::distantPast() {
+  static auto* past = new Ref<Date>(dateWithTimeIntervalSince1970(-62135596800.0));
+  return *past;
+}
+
 double Date::timeIntervalSinceDate(In<Date> other) const {
   if (!other) detail::raiseNil("-[NSDate timeIntervalSinceDate:]");
   return seconds_ - other->seconds_;

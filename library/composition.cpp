@@ -19,17 +19,22 @@
 #include <QXFoundation/notification_center.h>
 #include <QXFoundation/number.h>
 #include <QXFoundation/pointer_array.h>
+#include <QXFoundation/port.h>
+#include <QXFoundation/port_message.h>
 #include <QXFoundation/preferences.h>
 #include <QXFoundation/preferences_array.h>
 #include <QXFoundation/preferences_controller.h>
 #include <QXFoundation/preferences_dictionary.h>
 #include <QXFoundation/process_info.h>
 #include <QXFoundation/qualifier.h>
+#include <QXFoundation/run_loop.h>
 #include <QXFoundation/set.h>
 #include <QXFoundation/size_formatter.h>
 #include <QXFoundation/sort_descriptor.h>
 #include <QXFoundation/sort_ordering.h>
 #include <QXFoundation/string.h>
+#include <QXFoundation/thread_message.h>
+#include <QXFoundation/timer.h>
 #include <QXFoundation/tree.h>
 #include <QXFoundation/url.h>
 #include <QXFoundation/user_defaults.h>
@@ -95,6 +100,11 @@ constexpr NamedClass kClasses[] = {
     namedClass<URL>("NSURL"),
     namedClass<QXColorTag>("QXColorTag"),
     namedClass<QXColorTagFormatter>("QXColorTagFormatter"),
+    namedClass<Port>("NSPort"),
+    namedClass<PortMessage>("NSPortMessage"),
+    namedClass<Timer>("NSTimer"),
+    namedClass<RunLoop>("NSRunLoop"),
+    namedClass<QXThreadMessage>("QXThreadMessage"),
 };
 
 constexpr AddedOperations kAdded[] = {

@@ -44,6 +44,8 @@
 #include <QXFoundation/path.h>
 #include <QXFoundation/pointer_array.h>
 #include <QXFoundation/pointer_array_operations.h>
+#include <QXFoundation/port.h>
+#include <QXFoundation/port_message.h>
 #include <QXFoundation/preference_key.h>
 #include <QXFoundation/preferences.h>
 #include <QXFoundation/preferences_array.h>
@@ -59,6 +61,7 @@
 #include <QXFoundation/qualifier_key.h>
 #include <QXFoundation/reference_count.h>
 #include <QXFoundation/rfc3339.h>
+#include <QXFoundation/run_loop.h>
 #include <QXFoundation/selector.h>
 #include <QXFoundation/set.h>
 #include <QXFoundation/size_formatter.h>
@@ -70,6 +73,8 @@
 #include <QXFoundation/string_operations.h>
 #include <QXFoundation/string_search.h>
 #include <QXFoundation/thousand_format.h>
+#include <QXFoundation/thread_message.h>
+#include <QXFoundation/timer.h>
 #include <QXFoundation/tree.h>
 #include <QXFoundation/url.h>
 #include <QXFoundation/url_query.h>

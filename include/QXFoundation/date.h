@@ -20,6 +20,10 @@ class QX_EXPORT Date : public Object {
   static Ref<Date> dateWithTimeIntervalSinceReferenceDate(double seconds);
   // The present moment.
   static Ref<Date> date();
+  // Later, and earlier, than any moment a program waits for: the beginnings of the years 4001 and
+  // 1. Always the same two objects.
+  static Ref<Date> distantFuture();
+  static Ref<Date> distantPast();
 
   double timeIntervalSince1970() const { return seconds_; }
   // The reference date is 2001-01-01 00:00:00 UTC.

@@ -68,5 +68,11 @@ TEST(Dates, AreTheirOwnCopies) {
   EXPECT_THROW((void)d.mutableCopy(), InvalidArgumentException);
 }
 
+TEST(Dates, KnowTwoMomentsThatNobodyWaitsFor) {
+  EXPECT_EQ(Date::distantFuture()->description(), "4001-01-01 00:00:00 +0000");
+  EXPECT_EQ(Date::distantPast()->description(), "0001-01-01 00:00:00 +0000");
+  EXPECT_EQ(Date::distantFuture().get(), Date::distantFuture().get());
+}
+
 }  // namespace
 }  // namespace qx

@@ -1,0 +1,69 @@
+// QXThreadMessage: has an operation performed on the thread that made the message object, by that
+// thread's run loop.
+//
+//     auto toMain = qx::QXThreadMessage::init();                     // on the main thread
+//     ...
+//     toMain->sendMessageTo(window, "showProgress:", 0.5);           // on any thread
+//     ...
+//     qx::RunLoop::currentRunLoop()->run();                          // performs it, on the main
+//     thread
+#pragma once
+
+#include <QXFoundation/class.h>
+#include <QXFoundation/object.h>
+#include <QXFoundation/port.h>
+#include <QXFoundation/property_value.h>
+#include <QXFoundation/selector.h>
+
+namespace qx {
+
+// The class is "QXThreadMessage". Any thread may send; everything else belongs to the thread that
+// made the object.
+//
+// Calls are performed one at a time, in the order in which they were sent, by runs in the default
+// mode alone: at once never, not even when the sender is the thread itself. What a call raises ends
+// the run and reaches its caller.
+//
+// Every call that is performed keeps its target and arguments for ever: their references are
+// counted when it is sent and never given up. Send what lives as long as the program, or release
+// what the operation was given (`object->release()`) once for each call. Of a call that is never
+// performed, because the thread has ended or the message object is gone, the record stays in memory
+// too, some 64 bytes.
+class QX_EXPORT QXThreadMessage : public Object, public PortDelegate {
+ public:
+  // Makes a port of its own, and schedules it in this thread's run loop for the default mode.
+  static Ref<QXThreadMessage> init();
+
+  const Ref<Port>& port() const { return port_; }
+
+  // Asks for the call, and returns as soon as the port has the message, which never takes longer
+  // than handing it over. A nil target is asked for nothing; nil arguments are arguments. Nothing
+  // happens when there is no memory.
+  void sendMessageTo(const PropertyValue& target, SelectorFor<0> inSelector) const;
+  void sendMessageTo(const PropertyValue& target, SelectorFor<1> inSelector,
+                     const PropertyValue& withObject) const;
+  void sendMessageTo(const PropertyValue& target, SelectorFor<2> inSelector,
+                     const PropertyValue& withObject, const PropertyValue& withObject2) const;
+
+  // Performs the call. The port's run loop calls this; by hand, with a message that this object's
+  // own port did not deliver, it is not to be called: the message's first component is taken for
+  // the address of a call's record. Raises InvalidArgumentException where that is no data of 8
+  // bytes.
+  void handlePortMessage(const PortMessage& message) override;
+
+  // Inside the library.
+  QXThreadMessage(detail::Passkey, Ref<Port> port);
+
+ protected:
+  // Takes the port out of the run loop of the thread that this happens on. When that is not the
+  // thread that made the object, the port stays scheduled in its run loop until that thread ends,
+  // and messages that arrive there are dropped.
+  ~QXThreadMessage() override;
+
+ private:
+  Ref<Port> port_;
+};
+
+QX_EXPORT const Class& classObject(detail::Type<QXThreadMessage>);
+
+}  // namespace qx

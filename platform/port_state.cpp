@@ -1,0 +1,78 @@
+#include "platform/port_state.h"
+
+#include <algorithm>
+
+#include "platform/loop_signal.h"
+
+namespace qx::detail {
+
+// Nobody sends any more: whoever sends holds the port.
+PortState::~PortState() {
+  dropLetters(taken);
+  dropLetters(inbox.takeAll());
+}
+
+// A sender that found no loop has put its letter into the inbox before: it is found here.
+bool PortState::bind(const std::shared_ptr<LoopSignal>& signal) {
+  LoopSignal* before = nullptr;
+  if (!loop.compare_exchange_strong(before, signal.get(), std::memory_order_seq_cst))
+    return before == signal.get();
+  loopHeld = signal;
+  mail = true;
+  return true;
+}
+
+bool PortState::send(Letter& letter) noexcept {
+  LoopSignal* signal = loop.load(std::memory_order_acquire);
+  if (signal != nullptr && signal->isClosed()) return false;
+  inbox.add(&letter);
+  if (announced.load(std::memory_order_seq_cst)) return true;
+  signal = loop.load(std::memory_order_seq_cst);
+  if (signal == nullptr || announced.exchange(true, std::memory_order_seq_cst)) return true;
+  signal->announce(*this);
+  return true;
+}
+
+bool PortState::isScheduledIn(const LoopMode& mode) const {
+  return std::find(modes.begin(), modes.end(), &mode) != modes.end();
+}
+
+// The mark goes before the letters are taken: who comes later announces the port again. It stays
+// while the announcement that it stands for is still on its way, so that the port is never
+// announced twice at once.
+void PortState::collect() noexcept {
+  if (!mail) return;
+  mail = false;
+  if (told) {
+    told = false;
+    announced.store(false, std::memory_order_seq_cst);
+  }
+  Letter* before = taken == nullptr ? nullptr : takenLast;
+  Letter* more = inbox.takeAll(takenLast);
+  if (before == nullptr) {
+    taken = more;
+  } else {
+    before->next = more;
+  }
+}
+
+Letter* PortState::takeLetter() noexcept {
+  if (taken == nullptr) collect();
+  Letter* letter = taken;
+  if (letter == nullptr) return nullptr;
+  taken = letter->next;
+  __builtin_prefetch(taken);  // for the next time; null does no harm
+  return letter;
+}
+
+void PortState::dropLetters(Letter* letter) noexcept {
+  while (letter != nullptr) {
+    Letter* next = letter->next;
+    if (letter->kind == Letter::Kind::message) delete static_cast<MessageLetter*>(letter);
+    letter = next;
+  }
+}
+
+bool sendLetter(const Port& port, Letter& letter) noexcept { return port.state().send(letter); }
+
+}  // namespace qx::detail
