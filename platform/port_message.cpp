@@ -16,6 +16,8 @@ PortMessage::PortMessage(detail::Passkey, Ref<Port> sendPort, Ref<Port> receiveP
       components_(std::move(components)) {}
 PortMessage::~PortMessage() = default;
 
+void PortMessage::setSendPort(detail::Passkey, Ref<Port> port) { sendPort_ = std::move(port); }
+
 Ref<PortMessage> PortMessage::initWithSendPort(In<Port> sendPort, In<Port> receivePort,
                                                In<Array> components) {
   return make<PortMessage>(detail::Passkey{}, &*sendPort, receivePort.get(), components.get());

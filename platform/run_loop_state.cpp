@@ -111,7 +111,8 @@ std::size_t RunLoopState::deliver(PortState& port, std::size_t most) {
   return count;
 }
 
-// Messages that are sent meanwhile, by what is performed or by other threads, wait for a later turn.
+// Messages that are sent meanwhile, by what is performed or by other threads, wait for a later
+// turn.
 bool RunLoopState::turn(LoopMode& mode) {
   signal_->disarm();
   timers_.fireDue(mode);

@@ -36,7 +36,7 @@ class QX_EXPORT PortMessage : public Object {
 
   // Inside the library.
   PortMessage(detail::Passkey, Ref<Port> sendPort, Ref<Port> receivePort, Ref<Array> components);
-  void setSendPort(detail::Passkey, Ref<Port> port) { sendPort_ = std::move(port); }
+  void setSendPort(detail::Passkey, Ref<Port> port);
 
  protected:
   ~PortMessage() override;

@@ -15,6 +15,7 @@
 
 #include <memory>
 
+#include <QXFoundation/constants.h>
 #include <QXFoundation/date.h>
 #include <QXFoundation/object.h>
 #include <QXFoundation/port.h>
@@ -23,9 +24,6 @@
 #include <QXFoundation/timer.h>
 
 namespace qx {
-
-// The mode that a run loop is usually run in.
-inline constexpr char NSDefaultRunLoopMode[] = "NSDefaultRunLoopMode";
 
 namespace detail {
 class RunLoopState;
@@ -37,9 +35,9 @@ class RunLoopState;
 //
 // Ports and timers are scheduled for modes, which are named by texts; a run is in one mode, and
 // what is scheduled for others alone waits meanwhile, in its order. A run goes by turns: the timers
-// that are due, then the messages that are there: 256 at most, and 64 of one port before it is another's turn. What is sent during a turn waits for a later one.
-// Operations that are performed may run the loop again (a nested run), which goes on with the
-// messages behind theirs.
+// that are due, then the messages that are there: 256 at most, and 64 of one port before it is
+// another's turn. What is sent during a turn waits for a later one. Operations that are performed
+// may run the loop again (a nested run), which goes on with the messages behind theirs.
 //
 // What an operation raises ends the run and reaches its caller; nothing else is lost, and the next
 // run goes on behind it. When the thread ends, the run loop lets go of ports and timers, and
