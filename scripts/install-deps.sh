@@ -6,6 +6,7 @@
 #   build   compiler, build tools and libraries: what the library and the tool need
 #   test    build, and what the tests need
 #   bench   build, and what the benchmarks need
+#   hosting the loops of other libraries inside which examples show a run loop
 #   ci      all of these, the second compiler with its sanitizers and fuzz engine, and the formatter
 set -euo pipefail
 
@@ -13,11 +14,12 @@ build=(g++ cmake ninja-build ccache pkg-config libutf8proc-dev libfmt-dev liburi
   libboost-dev libcli11-dev nlohmann-json3-dev)
 test=(libgtest-dev libgmock-dev python3 binutils libexpat1-dev libplist-utils tzdata)
 bench=(libbenchmark-dev libplist-dev libabsl-dev libsqlite3-dev qtbase5-dev libglib2.0-dev
-  libhowardhinnant-date-dev)
+  libhowardhinnant-date-dev libuv1-dev)
+hosting=(libglib2.0-dev libuv1-dev qt6-base-dev)
 ci=(clang-19 libclang-rt-19-dev llvm-19 clang-format-19 util-linux)
 
 usage() {
-  echo "usage: install-deps.sh build|test|bench|ci ..." >&2
+  echo "usage: install-deps.sh build|test|bench|hosting|ci ..." >&2
   exit 2
 }
 
@@ -28,7 +30,8 @@ for group in "$@"; do
     build) ;;
     test) wanted+=("${test[@]}") ;;
     bench) wanted+=("${bench[@]}") ;;
-    ci) wanted+=("${test[@]}" "${bench[@]}" "${ci[@]}") ;;
+    hosting) wanted+=("${hosting[@]}") ;;
+    ci) wanted+=("${test[@]}" "${bench[@]}" "${hosting[@]}" "${ci[@]}") ;;
     *) usage ;;
   esac
 done
