@@ -70,6 +70,14 @@ TEST(ArrayOperations, NilArraysHoldNothing) {
   EXPECT_FALSE(kwContainsArray(nil, nil));
 }
 
+TEST(ArrayOperations, AddedOperationsArePerformedOnElements) {
+  EXPECT_EQ(PropertyValue(arrayByPerformingSelector(array("/Users/a", "~/b", "c"), "localPath")),
+            array("Users/a", "/b", "c"));
+  EXPECT_EQ(subarrayByPerformingSelector(array("/a", "//a", "a"), "localPath", "a")->count(), 2U);
+  EXPECT_EQ(PropertyValue(firstObjectByPerformingSelector(array("b", "/a"), "localPath", "a")),
+            PropertyValue("/a"));
+}
+
 TEST(ArrayOperations, ResultsAreNewMutableArrays) {
   const auto a = array("a", "b");
   const auto all = subarrayByDifferenceWithArray(a, qx::Array::init());
