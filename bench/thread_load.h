@@ -47,11 +47,18 @@ inline void describe(qx::ClassBuilder<Numbers>& c) {
   c.name("BenchNumbers").operation("number:of:", &Numbers::number);
 }
 
-// Rounds: `send(sender, n)` on each sender's thread, `receive()` on this one until the numbers have
-// come. The time is that between the start of the senders and the last arrival, by the clock.
+// Seconds of the rounds.
+struct Times {
+  double last = 0;   // by the clock, of the last one
+  double total = 0;  // by the clock
+  double used = 0;   // of the processor, by the receiving thread
+};
+
+// One round: `send(sender, n)` on each sender's thread, `receive()` on this one until the numbers
+// have come. The time is that between the start of the senders and the last arrival, by the clock.
 template <class Send, class Receive>
-void messageRounds(benchmark::State& state, const Numbers& numbers, const Send& send,
-                   const Receive& receive, double& seconds) {
+void messageRound(benchmark::State& state, const Numbers& numbers, const Send& send,
+                  const Receive& receive, Times& times) {
   const int senders = static_cast<int>(state.range(0));
   std::atomic<bool> go{false};
   std::atomic<int> ready{0};
@@ -66,27 +73,30 @@ void messageRounds(benchmark::State& state, const Numbers& numbers, const Send& 
   while (ready != senders) std::this_thread::yield();
   const auto start = std::chrono::steady_clock::now();
   go = true;
+  const double used = cpuSeconds();
   receive();
+  times.used += cpuSeconds() - used;
   for (std::thread& t : threads) t.join();
   require(numbers.isRight(), "messages lost or out of order");
-  seconds = std::chrono::duration<double>(numbers.end() - start).count();
+  times.last = std::chrono::duration<double>(numbers.end() - start).count();
+  times.total += times.last;
 }
 
 // One way of delivery: `make` gives, for a round, what to send and receive with; see its users.
 template <class Round>
 void deliver(benchmark::State& state) {
   const int senders = static_cast<int>(state.range(0));
-  double total = 0;
+  Times times;
   for (auto _ : state) {
     Round round(senders);
-    double seconds = 0;
-    messageRounds(
-        state, *round.numbers, [&](int s, long n) { round.send(s, n); }, [&] { round.receive(); },
-        seconds);
-    state.SetIterationTime(seconds);
-    total += seconds;
+    messageRound(
+        state, *round.numbers, [&](int sender, long n) { round.send(sender, n); },
+        [&] { round.receive(); }, times);
+    state.SetIterationTime(times.last);
   }
-  state.counters["ns"] = 1e9 * total / static_cast<double>(state.iterations() * kMessages);
+  const auto messages = static_cast<double>(state.iterations() * kMessages);
+  state.counters["ns"] = 1e9 * times.total / messages;
+  state.counters["receiver_ns"] = 1e9 * times.used / messages;
 }
 
 }  // namespace bench
