@@ -137,7 +137,7 @@ void RunLoopState::sleep(LoopMode& mode, std::int64_t limit) {
 // The limit is looked at before sleeping, and one turn follows it: who wakes the loop may be late.
 Ended RunLoopState::run(LoopMode& mode, std::int64_t limit, Until until) {
   const Run run(*this, mode);
-  for (bool last = false;; last = steadyNow() >= limit) {
+  for (bool last = false;; last = limit != kNever && steadyNow() >= limit) {
     if (signal_->takeStop()) return Ended::stopped;
     if (isDeserted(mode)) return Ended::deserted;
     const bool handled = turn(mode);

@@ -1,6 +1,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <limits>
+
 #include <QXFoundation/QXFoundation.h>
 #include <QXFoundation/thread_message.h>
 
@@ -276,6 +278,21 @@ TEST_F(ThreadMessage, ArrivesAsOneDataOfEightBytes) {
   EXPECT_NE(looker->messages[0].get(), looker->messages[1].get());
   EXPECT_FALSE(isSame(looker->messages[0]->components()->objectAtIndex(0),
                       looker->messages[1]->components()->objectAtIndex(0)));
+}
+
+// Not that any sender counts so: the record decides, not who wrote it.
+TEST_F(ThreadMessage, TakesOtherCountsForTwoArguments) {
+  for (const std::int32_t count : {2, 3, 7, -1, std::numeric_limits<std::int32_t>::min()}) {
+    detail::ThreadMessageMemory* memory = detail::allocateThreadMessage();
+    memory->record.selector = Selector("two:with:");
+    memory->record.target = target;
+    memory->record.arguments[0] = 1;
+    memory->record.arguments[1] = 2;
+    memory->record.argumentCount = count;
+    ASSERT_TRUE(detail::sendLetter(*message->port(), memory->letter));
+    turn();
+    EXPECT_THAT(target->calls(), ElementsAre("two 1 2")) << count;
+  }
 }
 
 TEST_F(ThreadMessage, RefusesMessagesWithoutAnAddress) {
