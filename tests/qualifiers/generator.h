@@ -107,13 +107,16 @@ class Generator {
                                          "isCaseInsensitiveLike:",
                                          Selector(),
                                          "hasPrefix:"};
-    // Rarely one that needs text as its argument.
-    return selectors[below(10)];
+    return of(selectors);
   }
 
   Ref<QXQualifier> leaf() {
-    if (below(5) == 0) return QXKeyComparisonQualifier::initWithLeftKey(key(), selector(), key());
-    return QXKeyValueQualifier::initWithKey(key(), selector(),
+    const Selector operation = selector();
+    // It raises for anything but text, which a second key may well give.
+    if (operation == Selector("hasPrefix:"))
+      return QXKeyValueQualifier::initWithKey(key(), operation, text());
+    if (below(5) == 0) return QXKeyComparisonQualifier::initWithLeftKey(key(), operation, key());
+    return QXKeyValueQualifier::initWithKey(key(), operation,
                                             below(12) == 0 ? PropertyValue() : value());
   }
   Ref<QXQualifier> tree(unsigned depth = 0) {
