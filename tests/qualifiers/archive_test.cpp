@@ -1,10 +1,14 @@
 #include <gtest/gtest.h>
 
+#include <string>
+#include <vector>
+
 #include <QXFoundation/QXFoundation.h>
 #include <QXFoundation/archiver.h>
 #include <QXFoundation/qualifier.h>
 
 #include "frame/class_record.h"
+#include "tests/qualifiers/tree_text.h"
 
 namespace shape {
 
@@ -37,53 +41,62 @@ PropertyValue roundTrip(const PropertyValue& v) {
   return Unarchiver::unarchiveObjectWithData(Archiver::archivedDataWithRootObject(v));
 }
 
-// How many objects the class of the root writes by itself and below.
-std::size_t objectsWritten(const PropertyValue& root) {
-  Archiver a;
-  a.encodeObject(root);
-  return a.objectCount() - 1;
-}
-
-TEST(QualifierArchive, WritesExactlyTheObjectsOfEachClass) {
-  const auto leaf = QXKeyValueQualifier::initWithKey("age", "isLessThan:", 3);
-  EXPECT_EQ(objectsWritten(leaf), 3U);
-  EXPECT_EQ(objectsWritten(QXKeyComparisonQualifier::initWithLeftKey("a", "isEqualTo:", "b")), 3U);
-  EXPECT_EQ(objectsWritten(QXNotQualifier::initWithQualifier(nullptr)), 1U);
-  EXPECT_EQ(objectsWritten(QXNotQualifier::initWithQualifier(leaf)), 1U + 3U);
-  EXPECT_EQ(objectsWritten(QXAndQualifier::initWithQualifierArray(array(leaf))), 1U + 3U);
-  EXPECT_EQ(objectsWritten(QXOrQualifier::initWithQualifierArray(array())), 1U);
-  EXPECT_EQ(objectsWritten(QXQualifierVariable::initWithKey("v")), 1U);
-  EXPECT_EQ(objectsWritten(QXQualifier::init()), 0U);
-}
-
-// The objects that the qualifier writes by itself, in their order.
-std::vector<PropertyValue> writtenBy(const auto& qualifier, std::size_t count) {
+// What the qualifier's class writes by itself, object after object. One that is a qualifier or an
+// array stands as its tree.
+std::vector<std::string> writtenBy(const auto& qualifier) {
   Archiver a;
   qualifier->cls().record().encode(*qualifier, a);
   Unarchiver u(a.archiverData());
-  std::vector<PropertyValue> objects;
-  while (!u.isAtEnd()) objects.push_back(u.decodeObject());
-  EXPECT_EQ(objects.size(), count);
-  objects.resize(count);
-  return objects;
+  std::vector<std::string> texts;
+  while (!u.isAtEnd()) {
+    const PropertyValue object = u.decodeObject();
+    const auto members = object.as<Array>();
+    const bool isTree = object.as<QXQualifier>() != nullptr;
+    texts.push_back(members != nullptr ? "[" + membersText(members) + "]"
+                    : isTree           ? treeText(object)
+                                       : valueText(object));
+  }
+  return texts;
+}
+using Texts = std::vector<std::string>;
+
+TEST(QualifierArchive, WritesExactlyTheObjectsOfEachClassInTheirOrder) {
+  const auto leaf = QXKeyValueQualifier::initWithKey("age", "isLessThan:", 3);
+  const auto pair = QXKeyComparisonQualifier::initWithLeftKey("a", "isEqualTo:", "b");
+  EXPECT_EQ(writtenBy(leaf), (Texts{"\"age\"", "\"isLessThan:\"", "3"}));
+  EXPECT_EQ(writtenBy(pair), (Texts{"\"a\"", "\"isEqualTo:\"", "\"b\""}));
+  EXPECT_EQ(writtenBy(QXNotQualifier::initWithQualifier(leaf)), (Texts{"kv(age < 3)"}));
+  EXPECT_EQ(writtenBy(QXAndQualifier::initWithQualifierArray(array(leaf, pair))),
+            (Texts{"[kv(age < 3), kc(a = b)]"}));
+  EXPECT_EQ(writtenBy(QXOrQualifier::initWithQualifierArray(array(pair, leaf))),
+            (Texts{"[kc(a = b), kv(age < 3)]"}));
+  EXPECT_EQ(writtenBy(QXOrQualifier::initWithQualifierArray(array())), (Texts{"[]"}));
+  EXPECT_EQ(writtenBy(QXQualifierVariable::initWithKey("who")), (Texts{"\"who\""}));
+  EXPECT_EQ(writtenBy(QXQualifier::init()), Texts{});
 }
 
-TEST(QualifierArchive, WritesTheObjectsInTheirOrder) {
-  auto w = writtenBy(QXKeyValueQualifier::initWithKey("age", "isLessThan:", 3), 3);
-  EXPECT_EQ(w[0], "age");
-  EXPECT_EQ(w[1], "isLessThan:");
-  EXPECT_TRUE(isSame(w[2], 3));
-  w = writtenBy(QXKeyComparisonQualifier::initWithLeftKey("a", "isEqualTo:", "b"), 3);
-  EXPECT_EQ(w[0], "a");
-  EXPECT_EQ(w[1], "isEqualTo:");
-  EXPECT_EQ(w[2], "b");
+TEST(QualifierArchive, WritesNilWhereNothingIs) {
+  EXPECT_EQ(writtenBy(QXKeyValueQualifier::initWithKey(nullptr, Selector(), nullptr)),
+            (Texts{"nil", "nil", "nil"}));
+  EXPECT_EQ(writtenBy(QXKeyComparisonQualifier::initWithLeftKey(nullptr, Selector(), nullptr)),
+            (Texts{"nil", "nil", "nil"}));
+  EXPECT_EQ(writtenBy(QXNotQualifier::initWithQualifier(nullptr)), Texts{"nil"});
+  EXPECT_EQ(writtenBy(QXAndQualifier::init()), Texts{"nil"});
+}
+
+// The number of objects in a whole archive of the qualifier: the qualifier itself comes first.
+std::size_t objectsInArchive(const PropertyValue& qualifier) {
+  Archiver a;
+  a.encodeObject(qualifier);
+  return a.objectCount();
+}
+
+TEST(QualifierArchive, CountsTheQualifierAndWhatItWrites) {
   const auto leaf = QXKeyValueQualifier::initWithKey("age", "isLessThan:", 3);
-  EXPECT_EQ(writtenBy(QXNotQualifier::initWithQualifier(leaf), 1)[0].cls(), &leaf->cls());
-  w = writtenBy(QXAndQualifier::initWithQualifierArray(array(leaf, leaf)), 1);
-  EXPECT_EQ(w[0].as<Array>()->count(), 2U);
-  w = writtenBy(QXOrQualifier::initWithQualifierArray(array(leaf)), 1);
-  EXPECT_EQ(w[0].as<Array>()->objectAtIndex(0).cls(), &leaf->cls());
-  EXPECT_EQ(writtenBy(QXQualifierVariable::initWithKey("who"), 1)[0], "who");
+  EXPECT_EQ(objectsInArchive(QXQualifier::init()), 1U);
+  EXPECT_EQ(objectsInArchive(leaf), 1U + 3U);
+  EXPECT_EQ(objectsInArchive(QXNotQualifier::initWithQualifier(nullptr)), 1U + 1U);
+  EXPECT_EQ(objectsInArchive(QXNotQualifier::initWithQualifier(leaf)), 1U + 1U + 3U);
 }
 
 TEST(QualifierArchive, KeepsComparisonsWithConstants) {

@@ -22,10 +22,22 @@ class CustomKeyValue : public QXKeyValueQualifier {
  public:
   CustomKeyValue() : QXKeyValueQualifier("a", "isEqualTo:", 1) {}
 };
+class CustomOr : public QXOrQualifier {
+ public:
+  explicit CustomOr(In<Array> members) : QXOrQualifier(members) {}
+};
+class CustomKeyComparison : public QXKeyComparisonQualifier {
+ public:
+  CustomKeyComparison() : QXKeyComparisonQualifier("l", "isLike:", "r") {}
+};
 void describe(ClassBuilder<CustomAnd>& c) { c.name("CustomAnd").inherits<QXAndQualifier>(); }
 void describe(ClassBuilder<CustomNot>& c) { c.name("CustomNot").inherits<QXNotQualifier>(); }
 void describe(ClassBuilder<CustomKeyValue>& c) {
   c.name("CustomKeyValue").inherits<QXKeyValueQualifier>();
+}
+void describe(ClassBuilder<CustomOr>& c) { c.name("CustomOr").inherits<QXOrQualifier>(); }
+void describe(ClassBuilder<CustomKeyComparison>& c) {
+  c.name("CustomKeyComparison").inherits<QXKeyComparisonQualifier>();
 }
 
 TEST(QualifierConstruction, KeepsTheVeryArrayAndValue) {
@@ -158,6 +170,30 @@ TEST(QualifierCopy, OfASubclassIsOfTheLibrarysClass) {
   EXPECT_STREQ(make<CustomNot>()->copy()->cls().name(), "QXNotQualifier");
   EXPECT_STREQ(make<CustomKeyValue>()->copy()->cls().name(), "QXKeyValueQualifier");
   EXPECT_EQ(treeText(make<CustomKeyValue>()->copy()), "kv(a = 1)");
+  EXPECT_EQ(make<CustomOr>(array())->copy()->cls().name(), std::string("QXOrQualifier"));
+  EXPECT_EQ(make<CustomKeyComparison>()->copy()->cls().name(),
+            std::string("QXKeyComparisonQualifier"));
+}
+
+TEST(QualifierCopy, OfASubclassKeepsTheContents) {
+  const auto a = equals("a", 1);
+  const auto b = equals("b", 2);
+  const auto members = MutableArray::init();
+  members->addObject(a);
+  members->addObject(b);
+  const auto any = make<CustomOr>(members);
+  const PropertyValue copyOfAny = any->copy();
+  members->removeAllObjects();
+  EXPECT_EQ(treeText(copyOfAny), "or(kv(a = 1), kv(b = 2))");
+  const auto kept = copyOfAny.as<QXOrQualifier>()->qualifiers();
+  EXPECT_TRUE(isSame(kept->objectAtIndex(0), a));
+  EXPECT_TRUE(isSame(kept->objectAtIndex(1), b));
+  const auto two = make<CustomKeyComparison>();
+  const auto copy = PropertyValue(two->copy()).as<QXKeyComparisonQualifier>();
+  EXPECT_EQ(treeText(copy), "kc(l like r)");
+  EXPECT_FALSE(isSame(copy, two));
+  EXPECT_TRUE(copy->evaluateWithObject(dict({{"l", "Jim"}, {"r", "J*"}})));
+  EXPECT_FALSE(copy->evaluateWithObject(dict({{"l", "Tim"}, {"r", "J*"}})));
 }
 
 TEST(QualifierCopy, OfWhatWasMadeEmpty) {

@@ -8,6 +8,8 @@
 #include <QXFoundation/filter.h>
 #include <QXFoundation/qualifier_key.h>
 
+#include "tests/qualifiers/generator.h"
+
 namespace qx {
 namespace {
 
@@ -194,6 +196,83 @@ TEST(Filter, ExceptionsGoThrough) {
   const auto raising = make<Acting>();
   raising->act = [](const PropertyValue&) -> bool { throw RangeException("stop"); };
   EXPECT_THROW((void)filteredArrayUsingQualifier(array(1), raising), RangeException);
+}
+
+// The numbers under "n" of what is kept.
+std::vector<int> kept(const Ref<Array>& list, const Ref<QXQualifier>& q) {
+  std::vector<int> all;
+  const auto hits = filteredArrayUsingQualifier(list, q);
+  for (const PropertyValue& hit : *hits) {
+    EXPECT_TRUE(q->evaluateWithObject(hit));
+    all.push_back(hit["n"].intValue());
+  }
+  std::size_t plain = 0;
+  for (const PropertyValue& object : *list) plain += q->evaluateWithObject(object) ? 1 : 0;
+  EXPECT_EQ(plain, all.size());
+  return all;
+}
+using Numbers = std::vector<int>;
+
+TEST(Filter, OperatorsOfTheApplication) {
+  const auto list = MutableArray::init();
+  for (int n = 1; n <= 6; ++n) {
+    list->addObject(
+        dict({{"n", n}, {"g", make<generated::Grade>(n)}, {"h", make<generated::Grade>(7 - n)}}));
+  }
+  list->addObject(dict({{"n", 7}, {"g", 3}, {"h", 3}}));  // has no such operator
+  list->addObject(dict({{"n", 8}, {"h", make<generated::Grade>(3)}}));
+  const PropertyValue three = make<generated::Grade>(3);
+  EXPECT_EQ(kept(list, key("g").with("isNear:", three)), (Numbers{2, 3, 4}));
+  EXPECT_EQ(kept(list, key("g").with("isNear:", 3)), (Numbers{2, 3}));
+  EXPECT_EQ(kept(list, key("g").with("isNear:", nullptr)), Numbers());
+  EXPECT_EQ(kept(list, !key("g").with("isNear:", three)), (Numbers{1, 5, 6, 7, 8}));
+  EXPECT_EQ(kept(list, key("g").with("isNear:", key("h"))), (Numbers{3, 4}));
+  EXPECT_EQ(kept(list, key("g").with("isNear:", key("n"))), (Numbers{1, 2, 3, 4, 5, 6}));
+  EXPECT_EQ(kept(list, key("g").with("isNear:", key("none"))), Numbers());
+  // Its own order and equality stand before the library's.
+  EXPECT_EQ(kept(list, key("g") < three), (Numbers{4, 5, 6}));
+  EXPECT_EQ(kept(list, key("g") < 9), Numbers{7});
+  EXPECT_EQ(kept(list, key("g") == 3), (Numbers{3, 7}));
+  EXPECT_EQ(kept(list, key("g") != 3), (Numbers{1, 2, 4, 5, 6, 8}));
+  EXPECT_EQ(kept(list, key("g") < key("h")), (Numbers{4, 5, 6}));
+  EXPECT_EQ(kept(list, key("g") == key("n")), (Numbers{1, 2, 3, 4, 5, 6}));
+}
+
+TEST(Filter, ObjectsThatAnswerForThemselves) {
+  const auto judge = make<generated::Judge>();
+  const auto half = make<generated::HalfJudge>();
+  const PropertyValue plain = dict({{"i", 0}});
+  const auto list = array(judge, plain, half, judge, plain, half);
+  const auto count = [&](const Ref<QXQualifier>& q, const PropertyValue& object) {
+    const auto hits = filteredArrayUsingQualifier(list, q);
+    std::size_t found = 0;
+    for (const PropertyValue& hit : *hits) found += isSame(hit, object) ? 1 : 0;
+    EXPECT_EQ(found, q->evaluateWithObject(object) ? 2U : 0U);
+    return found;
+  };
+  // The judge wants an even sum of the lengths of key and operator (here ten), the half judge a
+  // number as constant.
+  const Ref<QXQualifier> zero = key("i") == 0;
+  EXPECT_EQ(count(zero, judge), 0U);
+  EXPECT_EQ(count(zero, half), 2U);
+  EXPECT_EQ(count(zero, plain), 2U);
+  const Ref<QXQualifier> one = key("ii") == 1;
+  EXPECT_EQ(count(one, judge), 2U);
+  EXPECT_EQ(count(one, half), 2U);
+  EXPECT_EQ(count(one, plain), 0U);
+  const Ref<QXQualifier> text = key("i") == "x";
+  EXPECT_EQ(count(text, judge), 0U);
+  EXPECT_EQ(count(text, half), 0U);
+  EXPECT_EQ(count(text, plain), 0U);
+  // Key pairs are put to the judge alone; the other one is read.
+  const Ref<QXQualifier> pair = key("i") == key("i");
+  EXPECT_EQ(count(pair, judge), 0U);
+  EXPECT_EQ(count(pair, half), 2U);
+  EXPECT_EQ(count(pair, plain), 2U);
+  const Ref<QXQualifier> longer = key("iii") == key("i");
+  EXPECT_EQ(count(longer, judge), 2U);
+  EXPECT_EQ(count(longer, half), 0U);
+  EXPECT_EQ(count(!QualifierExpr(longer), half), 2U);
 }
 
 }  // namespace

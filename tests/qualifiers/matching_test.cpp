@@ -16,6 +16,8 @@
 #include <QXFoundation/filter.h>
 #include <QXFoundation/qualifier_key.h>
 
+#include "tests/qualifiers/generator.h"
+
 namespace qx {
 namespace {
 
@@ -273,6 +275,40 @@ TEST(Matching, ObjectsAreAskedAsTheyAre) {
   EXPECT_TRUE(Matching<Person>(make<Custom>())(make<Person>(3)));
   std::vector<Ref<Person>> people{boss, make<Person>(30)};
   EXPECT_EQ(std::count_if(people.begin(), people.end(), old), 1);
+}
+
+TEST(Matching, OperatorsOfTheApplication) {
+  Row row;
+  row.age = 3;
+  row.any = make<generated::Grade>(3);
+  const PropertyValue four = make<generated::Grade>(4);
+  EXPECT_TRUE(matches(key("any").with("isNear:", four), row));
+  EXPECT_FALSE(matches(key("any").with("isNear:", make<generated::Grade>(5)), row));
+  EXPECT_FALSE(matches(key("any").with("isNear:", nullptr), row));
+  EXPECT_TRUE(matches(key("any").with("isNear:", key("age")), row));
+  EXPECT_FALSE(matches(key("any").with("isNear:", key("twice")), row));
+  EXPECT_FALSE(matches(key("age").with("isNear:", 3), row));
+  EXPECT_FALSE(matches(key("age").with("isNear:", key("age")), row));
+  EXPECT_FALSE(matches(key("any") < four, row));
+  EXPECT_TRUE(matches(key("any") < make<generated::Grade>(2), row));
+  EXPECT_TRUE(matches(key("any") == key("age"), row));
+  EXPECT_FALSE(matches(key("any") == key("twice"), row));
+}
+
+TEST(Matching, ObjectsThatAnswerForThemselves) {
+  const auto judge = make<generated::Judge>();
+  const auto half = make<generated::HalfJudge>();
+  for (const Ref<QXQualifier>& q :
+       {Ref<QXQualifier>(key("i") == 0), Ref<QXQualifier>(key("ii") == 1),
+        Ref<QXQualifier>(key("i") == "x"), Ref<QXQualifier>(key("i") == key("i")),
+        Ref<QXQualifier>(key("iii") == key("i"))}) {
+    EXPECT_EQ(Matching<generated::Judge>(q)(*judge), q->evaluateWithObject(judge));
+    EXPECT_EQ(Matching<generated::HalfJudge>(q)(*half), q->evaluateWithObject(half));
+  }
+  EXPECT_TRUE(Matching<generated::Judge>(key("ii") == 1)(*judge));
+  EXPECT_FALSE(Matching<generated::Judge>(key("i") == 0)(*judge));
+  EXPECT_TRUE(Matching<generated::HalfJudge>(key("ii") == 1)(*half));
+  EXPECT_TRUE(Matching<generated::HalfJudge>(key("i") == key("i"))(*half));
 }
 
 TEST(Matching, ANilReferenceIsANilObject) {

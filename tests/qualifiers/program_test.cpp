@@ -36,7 +36,7 @@ TEST(CompiledEvaluation, AgreesWithThePlainOne) {
       g.fill(*object);
       list->addObject(object);
     }
-    list->addObject(g.value());
+    for (int n = 0; n < 4; ++n) list->addObject(g.object());
     const auto expected = MutableArray::init();
     for (const PropertyValue& object : *list) {
       const bool result = q->evaluateWithObject(object);

@@ -136,8 +136,11 @@ TEST(Explain, RefusesWhatTheParserRefuses) {
 TEST(Explain, RefusesATreeOfTooManyLevels) {
   std::string format = "a = b";
   for (int i = 0; i < 400; ++i) format += " and a = b or a = b";
-  for (const char* form : {"--json", "--dot"}) {
-    const ProgramRun run = runTool({"explain", format, form});
+  const std::vector<std::vector<std::string>> forms = {{}, {"--json"}, {"--dot"}};
+  for (const std::vector<std::string>& form : forms) {
+    std::vector<std::string> arguments = {"explain", format};
+    arguments.insert(arguments.end(), form.begin(), form.end());
+    const ProgramRun run = runTool(arguments);
     EXPECT_EQ(run.exitCode, 2);
     EXPECT_EQ(run.out, "");
     EXPECT_EQ(run.err, "qx: the tree is nested more than 499 levels deep\n");
