@@ -61,10 +61,12 @@ Letter* PortState::takeLetter() noexcept {
   Letter* letter = taken;
   if (letter == nullptr) return nullptr;
   taken = letter->next;
-  // For the next time: a letter and what stands behind it lie in two lines, which a sender has
-  // written. Null does no harm.
-  __builtin_prefetch(taken);
-  __builtin_prefetch(reinterpret_cast<const char*>(taken) + kCacheLine);
+  if (taken != nullptr) {
+    // For the next time: a letter and what stands behind it lie in two lines, which a sender has
+    // written.
+    __builtin_prefetch(taken);
+    __builtin_prefetch(reinterpret_cast<const char*>(taken) + kCacheLine);
+  }
   return letter;
 }
 

@@ -134,23 +134,32 @@ TEST_F(PortThread, RefusesMessagesToNil) {
 }
 
 TEST(PortMemoryThread, GoesWithThePort) {
-  const auto held = MutableArray::init();
-  const WeakRef<MutableArray> weak = [&] {
-    const auto inside = MutableArray::init();
-    const auto port = Port::port();
-    PortMessage::initWithSendPort(port, port, array(inside))->sendBeforeDate(nullptr);
-    const WeakRef<MutableArray> w = inside;
-    auto other = Port::port();
-    PortMessage::initWithSendPort(other, nullptr, array(inside))->sendBeforeDate(nullptr);
-    RunLoop::currentRunLoop()->addPort(other, "mode");
-    RunLoop::currentRunLoop()->removePort(other, "mode");
-    return w;
-  }();
-  // The first port waits for an answer from itself, which its message holds; the second is gone.
-  const auto left = weak.lock();
-  ASSERT_NE(left, nullptr);
-  const auto port = Port::port();
-  (void)port;
+  auto inside = MutableArray::init();
+  auto port = Port::port();
+  PortMessage::initWithSendPort(port, nullptr, array(inside))->sendBeforeDate(nullptr);
+  RunLoop::currentRunLoop()->addPort(port, "mode");
+  RunLoop::currentRunLoop()->removePort(port, "mode");
+  const WeakRef<MutableArray> weak = inside;
+  inside = nullptr;
+  EXPECT_NE(weak.lock(), nullptr);  // the message that waits holds it
+  port = nullptr;
+  EXPECT_EQ(weak.lock(), nullptr);
+}
+
+// A message that waits in a port for an answer to that port holds it.
+TEST(PortMemoryThread, IsHeldByAMessageThatWaitsForAnAnswerToThePort) {
+  auto port = Port::port();
+  PortMessage::initWithSendPort(port, port, nullptr)->sendBeforeDate(nullptr);
+  const WeakRef<Port> weak = port;
+  port = nullptr;
+  port = weak.lock();
+  ASSERT_NE(port, nullptr);
+  const auto loop = RunLoop::currentRunLoop();
+  loop->addPort(port, "mode");
+  EXPECT_TRUE(loop->runMode("mode", nullptr));  // the message is handled
+  loop->removePort(port, "mode");
+  port = nullptr;
+  EXPECT_EQ(weak.lock(), nullptr);
 }
 
 TEST(PortMemoryThread, OfALongChainGoesWithoutRecursion) {

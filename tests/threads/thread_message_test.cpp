@@ -46,10 +46,14 @@ TEST_F(ThreadMessage, HasAPortWhoseDelegateItIs) {
 
 TEST_F(ThreadMessage, PerformsCallsWithUpToTwoArguments) {
   message->sendMessageTo(target, "ping");
-  message->sendMessageTo(target, "one:", "first");
-  message->sendMessageTo(target, "two:with:", 1, array(2));
+  const PropertyValue first = "first";
+  const PropertyValue list = array(2);
+  message->sendMessageTo(target, "one:", first);
+  message->sendMessageTo(target, "two:with:", 1, list);
   turn();
   EXPECT_THAT(target->calls(), ElementsAre("ping", "one first", "two 1 (2)"));
+  giveUp(*first.object(), 1);
+  giveUp(*list.object(), 1);
 }
 
 TEST_F(ThreadMessage, PerformsOnTheThreadThatMadeIt) {
@@ -70,9 +74,11 @@ TEST_F(ThreadMessage, SendsNothingToANilTarget) {
 TEST_F(ThreadMessage, PassesNilAsAnArgument) {
   message->sendMessageTo(target, "one:", nullptr);
   message->sendMessageTo(target, "two:with:", nullptr, nullptr);
-  message->sendMessageTo(target, "two:with:", nullptr, "second");
+  const PropertyValue second = "second";
+  message->sendMessageTo(target, "two:with:", nullptr, second);
   turn();
   EXPECT_THAT(target->calls(), ElementsAre("one nil", "two nil nil", "two nil second"));
+  giveUp(*second.object(), 1);
 }
 
 TEST_F(ThreadMessage, TakesValuesOfEveryKindAsTargets) {
@@ -107,12 +113,14 @@ TEST_F(ThreadMessage, WaitsWhileOtherModesRun) {
 }
 
 TEST_F(ThreadMessage, PerformsWhatACallSendsInALaterTurn) {
-  message->sendMessageTo(message, "sendMessageTo:inSelector:", target, "ping");
+  const PropertyValue ping = "ping";
+  message->sendMessageTo(message, "sendMessageTo:inSelector:", target, ping);
   turn();
   EXPECT_THAT(target->calls(), IsEmpty());
   turn();
   EXPECT_THAT(target->calls(), ElementsAre("ping"));
   giveUp(*message, 1);
+  giveUp(*ping.object(), 1);
 }
 
 TEST_F(ThreadMessage, GoesOnInNestedRuns) {
