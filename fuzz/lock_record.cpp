@@ -1,0 +1,54 @@
+// Arbitrary bytes as a lock file: they are judged without asking the system for what is no process,
+// and a record that is written again is judged as before.
+
+#include "files/lock_record.h"
+
+#include <cerrno>
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+#include <string_view>
+
+#include "platform/processes.h"
+
+namespace {
+
+// Every process is gone, so that holders whose numbers are asked for count as gone.
+class NobodyLives : public qx::detail::Processes {
+ public:
+  pid_t current() override { return 100; }
+  int probe(pid_t process) override {
+    if (process <= 0) std::abort();  // a number that would mean a group of processes
+    return ESRCH;
+  }
+
+ private:
+  qx::detail::ReplacedProcesses replaced_{*this};
+};
+
+void require(bool condition) {
+  if (!condition) std::abort();
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  static NobodyLives processes;
+  const std::string_view bytes(reinterpret_cast<const char*>(data), size);
+  const auto record = qx::detail::lockRecordFrom(bytes);
+  const auto holder = qx::holderOfLockRecord(record);
+  require(holder != qx::LockHolder::alive);
+  if (record == nullptr) {
+    require(holder == qx::LockHolder::unknown);
+    return 0;
+  }
+  const bool isOwn = qx::detail::isOwnLockRecord(*record);
+  // What is written again is judged as before. A binary list may have texts that XML has not.
+  std::string again;
+  if (!qx::detail::lockFileBytes(*record, again)) return 0;
+  const auto second = qx::detail::lockRecordFrom(again);
+  require(second != nullptr && second->count() == record->count());
+  require(qx::holderOfLockRecord(second) == holder);
+  require(qx::detail::isOwnLockRecord(*second) == isOwn);
+  return 0;
+}
