@@ -10,6 +10,7 @@
 #include <string_view>
 
 #include "platform/processes.h"
+#include "tests/support/fake_machine.h"
 
 namespace {
 
@@ -26,6 +27,11 @@ class NobodyLives : public qx::detail::Processes {
   qx::detail::ReplacedProcesses replaced_{*this};
 };
 
+bool hasText(const qx::Dictionary& record, const char* key, const char* text) {
+  const qx::PropertyValue value = record.objectForKey(key);
+  return value.isString() && value.as<qx::String>()->utf8() == text;
+}
+
 void require(bool condition) {
   if (!condition) std::abort();
 }
@@ -34,6 +40,8 @@ void require(bool condition) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static NobodyLives processes;
+  static test_support::FakeIdentity identity("00:1a:2b:3c:4d:5e", "alpha");
+  static test_support::FakeUser user("ann");
   const std::string_view bytes(reinterpret_cast<const char*>(data), size);
   const auto record = qx::detail::lockRecordFrom(bytes);
   const auto holder = qx::holderOfLockRecord(record);
@@ -42,6 +50,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     require(holder == qx::LockHolder::unknown);
     return 0;
   }
+  const bool namesMachine = hasText(*record, "hostIdentifier", "00:1a:2b:3c:4d:5e") ||
+                            hasText(*record, "hostName", "alpha");
+  require(holder != qx::LockHolder::gone || namesMachine);
   const bool isOwn = qx::detail::isOwnLockRecord(*record);
   // What is written again is judged as before. A binary list may have texts that XML has not.
   std::string again;
