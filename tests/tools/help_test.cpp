@@ -22,8 +22,9 @@ void expectShown(const ProgramRun& run, const std::vector<std::string>& texts) {
 }
 
 TEST(Help, ListsTheCommands) {
-  expectShown(runTool({"--help"}), {"Usage: qx", "\n  select ", "\n  explain ", "\n  plist ",
-                                    "\n  date ", "\n  size ", "\n  fraction ", "--version"});
+  expectShown(runTool({"--help"}),
+              {"Usage: qx", "\n  select ", "\n  explain ", "\n  plist ", "\n  date ", "\n  size ",
+               "\n  fraction ", "\n  lock ", "\n  identity ", "--version"});
 }
 
 TEST(Help, ShowsOptionsAndExamplesOfACommand) {

@@ -25,5 +25,7 @@ extern const Command kDateCommand;
 extern const Command kSizeCommand;
 extern const Command kFractionCommand;
 extern const Command kPrefsCommand;
+extern const Command kLockCommand;
+extern const Command kIdentityCommand;
 
 }  // namespace qxtool

@@ -1,4 +1,4 @@
-// Failure: what ends the program with an exit code other than 0.
+// What ends the program with an exit code other than 0.
 #pragma once
 
 #include <stdexcept>
@@ -20,6 +20,11 @@ class Failure : public std::runtime_error {
 
  private:
   int exitCode_;
+};
+
+// Ends the program with that exit code, with nothing said.
+struct Exit {
+  int code;
 };
 
 }  // namespace qxtool

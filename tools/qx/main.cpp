@@ -1,4 +1,5 @@
-// qx: qualifiers on files, property lists, settings, and single values, from the command line.
+// qx: qualifiers on files, property lists, settings, locks, and single values, from the command
+// line.
 
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
@@ -19,9 +20,9 @@
 namespace qxtool {
 namespace {
 
-const Command* const kCommands[] = {&kSelectCommand,  &kExplainCommand, &kPlistCommand,
-                                    &kPrefsCommand,   &kDateCommand,    &kSizeCommand,
-                                    &kFractionCommand};
+const Command* const kCommands[] = {&kSelectCommand,   &kExplainCommand, &kPlistCommand,
+                                    &kPrefsCommand,    &kDateCommand,    &kSizeCommand,
+                                    &kFractionCommand, &kLockCommand,    &kIdentityCommand};
 
 void show(const std::string& text) {
   Output output;
@@ -37,8 +38,8 @@ int fail(const std::string& reason, int exitCode = Failure::kFailed) {
 // Parses the command line and does what it says.
 void run(int argc, char** argv) {
   CLI::App app(
-      "Selects records from files by qualifiers, converts property lists, keeps settings, and "
-      "shows "
+      "Selects records from files by qualifiers, converts property lists, keeps settings, locks "
+      "files, and shows "
       "what single values stand for.",
       "qx");
   app.get_formatter()->column_width(24);
@@ -72,6 +73,8 @@ int main(int argc, char** argv) {
     return 0;
   } catch (const qxtool::Failure& failure) {
     return fail(failure.what(), failure.exitCode());
+  } catch (const qxtool::Exit& end) {
+    return end.code;
   } catch (const qx::Exception& error) {
     return fail(error.reason());
   } catch (const std::bad_alloc&) {
