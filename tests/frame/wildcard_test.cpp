@@ -3,13 +3,13 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <chrono>
 #include <random>
 #include <string>
 #include <vector>
 
 #include "frame/unicode.h"
 #include "tests/frame/storage_forms.h"
+#include "tests/support/processor_time.h"
 
 namespace qx::detail {
 namespace {
@@ -276,10 +276,10 @@ TEST(Wildcard, ManyStarsTakeNoExponentialTime) {
   std::u16string pattern;
   for (int i = 0; i < 200; ++i) pattern += u"*a?";
   pattern += u"b";
-  const auto start = std::chrono::steady_clock::now();
+  const double start = processorTime();
   EXPECT_FALSE(wildcardMatch(TextSpan::latin1(text), pattern, false));
   EXPECT_FALSE(wildcardMatch(TextSpan::latin1(text), pattern, true));
-  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
+  EXPECT_LT(processorTime() - start, 5.0);
 }
 
 TEST(Wildcard, OnePatternMatchesManyTexts) {

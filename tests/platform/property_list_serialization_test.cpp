@@ -10,6 +10,7 @@
 #include "tests/platform/property_list/bounded.h"
 #include "tests/platform/property_list/reading.h"
 #include "tests/platform/property_list/same_list.h"
+#include "tests/support/processor_time.h"
 
 namespace listed {
 
@@ -126,9 +127,9 @@ TEST(PropertyListSerialization, ContainersNestAsDeepAsPromised) {
 TEST(PropertyListSerialization, AMillionNestedContainersAreRefusedSoon) {
   const PropertyValue v = nested(1000000);
   for (const auto format : kFormats) {
-    const auto start = std::chrono::steady_clock::now();
+    const double start = processorTime();
     EXPECT_EQ(refusal(v, format).substr(0, kLimit.size()), kLimit);
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(1));
+    EXPECT_LT(processorTime() - start, 1.0);
   }
 }
 
@@ -150,10 +151,10 @@ TEST(PropertyListSerialization, ContainersMetBeyondCountingAreRefusedSoon) {
   PropertyValue v = true;
   for (int i = 0; i < 30; ++i) v = array(v, v);
   for (const auto format : kFormats) {
-    const auto start = std::chrono::steady_clock::now();
+    const double start = processorTime();
     EXPECT_EQ(refusal(v, format),
               kLimit + "containers that are met again and again make a list of too many values.");
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(1));
+    EXPECT_LT(processorTime() - start, 1.0);
   }
   // Fewer are fine, and so are many where the list is large by itself.
   PropertyValue some = true;

@@ -3,13 +3,13 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <chrono>
 #include <string>
 
 #include <QXFoundation/qualifier.h>
 #include <QXFoundation/qualifier_explanation.h>
 
 #include "tests/qualifiers/parse.h"
+#include "tests/support/processor_time.h"
 
 namespace qx {
 namespace {
@@ -25,10 +25,7 @@ template <class Work>
 double leastTime(const Work& work) {
   double least = 1e9;
   for (int round = 0; round < 5; ++round) {
-    const auto start = std::chrono::steady_clock::now();
-    work();
-    const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start;
-    least = std::min(least, time.count());
+    least = std::min(least, processorTimeOf(work));
   }
   return least;
 }

@@ -7,10 +7,11 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <chrono>
 #include <cstddef>
 #include <cstring>
 #include <stdexcept>
+
+#include "tests/support/processor_time.h"
 
 namespace qx::plist {
 
@@ -70,10 +71,8 @@ Cost costOf(Work&& work) {
   if (child == 0) {
     forgetMostMemory();
     const std::size_t before = mostMemory();
-    const auto start = std::chrono::steady_clock::now();
-    work();
     Cost cost;
-    cost.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    cost.seconds = processorTimeOf(work);
     cost.memory = mostMemory() - before;
     _exit(write(results[1], &cost, sizeof cost) == sizeof cost ? 0 : 1);
   }

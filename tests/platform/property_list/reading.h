@@ -2,12 +2,12 @@
 
 // Reading in tests: what comes of some bytes, in one line.
 
-#include <chrono>
 #include <string>
 #include <string_view>
 
 #include "platform/property_list_io.h"
 #include "tests/platform/property_list/dump.h"
+#include "tests/support/processor_time.h"
 
 namespace qx::plist {
 
@@ -28,9 +28,8 @@ inline Outcome readBytes(std::string_view bytes,
   // A copy of just that size, so that the sanitizers see a read beyond it.
   const std::string exact(bytes.begin(), bytes.end());
   Outcome o;
-  const auto start = std::chrono::steady_clock::now();
-  o.value = detail::readPropertyList(exact, mutability, nullptr, &o.error);
-  o.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+  o.seconds = processorTimeOf(
+      [&] { o.value = detail::readPropertyList(exact, mutability, nullptr, &o.error); });
   return o;
 }
 

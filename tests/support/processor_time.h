@@ -1,0 +1,26 @@
+#pragma once
+
+// The time that work takes, whatever else the machine does meanwhile.
+
+#include <time.h>
+
+#include <utility>
+
+namespace qx {
+
+// The processor time that this thread has used, in seconds.
+inline double processorTime() {
+  timespec t{};
+  clock_gettime(CLOCK_THREAD_CPUTIME_ID, &t);
+  return static_cast<double>(t.tv_sec) + static_cast<double>(t.tv_nsec) / 1e9;
+}
+
+// How much of it the work takes.
+template <class Work>
+double processorTimeOf(Work&& work) {
+  const double start = processorTime();
+  std::forward<Work>(work)();
+  return processorTime() - start;
+}
+
+}  // namespace qx
