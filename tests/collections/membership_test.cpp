@@ -114,7 +114,7 @@ TEST(Membership, EqualNumbersOfAllKindsAreOne) {
 
 // Runs the work, which is to end in well under a second on an idle machine; sanitizers and busy
 // machines get room, far below what a product of the lengths would take.
-void expectQuick(const std::function<void()>& work) { EXPECT_LT(processorTimeOf(work), 10.0); }
+void expectQuick(const std::function<void()>& work) { EXPECT_LT(qx::processorTimeOf(work), 10.0); }
 
 struct Many {
   const char* name;
