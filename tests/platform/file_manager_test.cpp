@@ -74,7 +74,7 @@ TEST(FileManager, MakesFolders) {
 
 TEST(FileManager, GivesExactRightsWhateverTheUmask) {
   const TemporaryFolder folder;
-  for (const mode_t umask : {0, 022, 0777}) {
+  for (const mode_t umask : {mode_t{0}, mode_t{022}, mode_t{0777}}) {
     for (const int mode : {0700, 01777, 0, 0755, 02770}) {
       const mode_t before = ::umask(umask);
       const bool made = files()->createDirectoryAtPath(folder / "x", false,
