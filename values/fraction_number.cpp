@@ -140,6 +140,11 @@ void describe(ClassBuilder<QXFractionNumber>& c) {
       "gcd:d:", +[](const PropertyValue&, std::int64_t a, std::int64_t d) {
         return QXFractionNumber::gcd(a, d);
       });
+  c.classOperation("qxFractionNumberWithNumerator:denominator:",
+                   &QXFractionNumber::qxFractionNumberWithNumerator);
+  c.classOperation("qxFractionNumberWithInt:", &QXFractionNumber::qxFractionNumberWithInt);
+  c.classOperation("qxFractionNumberWithFloat:", &QXFractionNumber::qxFractionNumberWithFloat);
+  c.classOperation("qxFractionNumberWithDouble:", &QXFractionNumber::qxFractionNumberWithDouble);
   c.archived();
 }
 

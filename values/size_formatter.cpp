@@ -79,12 +79,11 @@ PropertyValue QXSizeFormatter::stringForObjectValue(const PropertyValue& value) 
   return count ? PropertyValue(stringForByteCount(*count)) : nullptr;
 }
 
-// Where there is no text there is none to carry attributes either.
+// Of the text that a derived class may give. Where there is none, nothing carries attributes.
 Ref<AttributedString> QXSizeFormatter::attributedStringForObjectValue(
     const PropertyValue& value, In<Dictionary> withDefaultAttributes) const {
-  const auto count = countOf(value);
-  if (!count) return nullptr;
-  return AttributedString::initWithString(stringForByteCount(*count), withDefaultAttributes);
+  const auto text = stringForObjectValue(value).as<String>();
+  return text == nullptr ? nullptr : AttributedString::initWithString(text, withDefaultAttributes);
 }
 
 bool QXSizeFormatter::getObjectValue(PropertyValue*, StringArg, Ref<String>*) const {

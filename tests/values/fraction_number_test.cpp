@@ -359,6 +359,18 @@ TEST(FractionNumber, AnswersSelectors) {
   const PropertyValue later = unreduced(4, 6);
   performSelector(later, "normalize");
   EXPECT_EQ(later["numerator"], 2);
+  // Each part is rounded to single precision before the division.
+  const PropertyValue wide = unreduced(16777217, 16777219);
+  EXPECT_EQ(wide.floatValue(), 16777216.0F / 16777220.0F);
+  EXPECT_EQ(performSelector(wide, "floatValue"), 16777216.0F / 16777220.0F);
+}
+
+TEST(FractionNumber, ClassAnswersItsConstructors) {
+  const PropertyValue cls = classNamed("QXFractionNumber");
+  EXPECT_EQ(performSelector(cls, "qxFractionNumberWithNumerator:denominator:", 6, -4), -1.5);
+  EXPECT_EQ(performSelector(cls, "qxFractionNumberWithInt:", 7), 7);
+  EXPECT_EQ(performSelector(cls, "qxFractionNumberWithFloat:", 0.5), 0.5);
+  EXPECT_EQ(performSelector(cls, "qxFractionNumberWithDouble:", 3.14159)["denominator"], 113);
 }
 
 TEST(FractionNumber, CopiesAreFractionsOfTheirOwn) {

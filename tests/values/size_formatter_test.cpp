@@ -159,6 +159,22 @@ TEST(SizeFormatter, PutsTheAttributesOnAllOfTheText) {
   EXPECT_EQ(plain->attributesAtIndex(0, nullptr)->count(), 0U);
 }
 
+class SpelledSizes : public QXSizeFormatter {
+ public:
+  PropertyValue stringForObjectValue(const PropertyValue& value) const override {
+    return value.isNumber() ? PropertyValue("some bytes") : PropertyValue(nullptr);
+  }
+};
+
+void describe(ClassBuilder<SpelledSizes>& c) { c.name("SpelledSizes").inherits<QXSizeFormatter>(); }
+
+TEST(SizeFormatter, PutsTheAttributesOnTheTextOfADerivedClass) {
+  const auto formatter = make<SpelledSizes>();
+  EXPECT_EQ(formatter->attributedStringForObjectValue(1500, nullptr)->string()->utf8(),
+            "some bytes");
+  EXPECT_EQ(formatter->attributedStringForObjectValue("1500", nullptr), nullptr);
+}
+
 TEST(SizeFormatter, NeverParses) {
   const auto formatter = QXSizeFormatter::init();
   PropertyValue object = "before";

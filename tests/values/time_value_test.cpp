@@ -5,6 +5,8 @@
 
 #include <QXFoundation/iso_date.h>
 
+#include "tests/support/scoped_zone.h"
+
 namespace qx {
 namespace {
 
@@ -36,6 +38,19 @@ TEST(TimeValues, GoToDatesAndBack) {
     EXPECT_EQ(qxTimeval(dateAt(seconds)).microseconds, value.microseconds) << seconds;
   }
   EXPECT_EQ(qxTimeval(nullptr), TimeValue{});
+}
+
+// The clocks of the local zone go forward between the two.
+TEST(DaysBetween, CountsDaysOfTheSameLengthInEveryZone) {
+  const test_support::ScopedZone zone("America/New_York");
+  constexpr double kBefore = 1615698000;  // 2021-03-14 05:00 UTC
+  const auto days = [](double from, double to) {
+    return daysBetweenDate(dateAt(from), dateAt(to));
+  };
+  EXPECT_EQ(days(kBefore, kBefore + 23 * 3600), 0);
+  EXPECT_EQ(days(kBefore, kBefore + 24 * 3600), 1);
+  EXPECT_EQ(days(kBefore + 23 * 3600, kBefore), 0);
+  EXPECT_EQ(days(kBefore + 24 * 3600, kBefore), -1);
 }
 
 TEST(DaysBetween, CountsWholeDaysTowardZero) {
