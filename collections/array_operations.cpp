@@ -43,11 +43,6 @@ Ref<MutableArray> elementsInArray(In<Array> array, In<Array> other, bool wanted)
                        [&](const PropertyValue& element) { return members.contains(element); });
 }
 
-// Whether the array still holds what it did, as far as the walk through it would notice.
-bool isUnchanged(const Array& array, const Array& before, std::size_t index) {
-  return array.count() == before.count() && isSame(array.begin()[index], before.begin()[index]);
-}
-
 }  // namespace
 
 Ref<MutableArray> subarrayWithoutObject(In<Array> array, const PropertyValue& object) {
@@ -104,12 +99,12 @@ bool kwContainsArray(In<Array> array, In<Array> other) {
   const Ref<Array> asked = Ref<Array>(other.get());
   const Ref<Array> before = ArrayStorage::steady(*asked);
   const Membership members(array, before->count());
-  for (std::size_t i = 0; i < before->count(); ++i) {
-    if (!members.contains(before->begin()[i])) return false;
-    if (!isUnchanged(*asked, *before, i))
-      throw GenericException("-[NSArray kwContainsArray:]: the argument was changed meanwhile");
-  }
-  return true;
+  const bool all = std::all_of(before->begin(), before->end(), [&](const PropertyValue& element) {
+    return members.contains(element);
+  });
+  if (!detail::holdsStill(*asked, *before))
+    throw GenericException("-[NSArray kwContainsArray:]: the argument was changed meanwhile");
+  return all;
 }
 
 Ref<MutableArray> kwRandomize(In<Array> array) {

@@ -19,6 +19,11 @@ bool isForeign(const PropertyValue& value) {
 
 }  // namespace
 
+bool holdsStill(const Array& array, const Array& before) {
+  return std::equal(array.begin(), array.end(), before.begin(), before.end(),
+                    [](const PropertyValue& a, const PropertyValue& b) { return isSame(a, b); });
+}
+
 void ElementIndex::add(const PropertyValue& element, std::size_t position) {
   if (const auto hash = equalityHash(element)) {
     byHash.addInFront(*hash, position);

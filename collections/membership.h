@@ -15,6 +15,9 @@
 
 namespace qx::detail {
 
+// Whether the array still has the very elements that it had before.
+bool holdsStill(const Array& array, const Array& before);
+
 // Positions of elements, by how they are to be found.
 struct ElementIndex {
   // Position by position, each next to the one before.

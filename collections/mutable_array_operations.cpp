@@ -1,3 +1,4 @@
+#include <optional>
 #include <vector>
 
 #include <QXFoundation/array_shuffle.h>
@@ -15,14 +16,6 @@ using detail::Membership;
 
 namespace {
 
-bool holdsStill(const MutableArray& array, const Array& before) {
-  if (array.count() != before.count()) return false;
-  for (std::size_t i = 0; i < array.count(); ++i) {
-    if (!isSame(array.begin()[i], before.begin()[i])) return false;
-  }
-  return true;
-}
-
 // Moves what stays to the front and cuts off the rest; `before` keeps what goes until the array is
 // whole again.
 void closeUp(MutableArray& array, const Array& before, const std::vector<bool>& goes) {
@@ -37,7 +30,7 @@ void closeUp(MutableArray& array, const Array& before, const std::vector<bool>& 
 
 // Removes the marked elements of an array that held `before` when they were marked.
 void removeMarked(MutableArray& array, const Array& before, const std::vector<bool>& goes) {
-  if (!holdsStill(array, before))
+  if (!detail::holdsStill(array, before))
     throw GenericException("an array was changed while its elements were compared");
   if (&array.cls() == &classOf<MutableArray>()) {
     closeUp(array, before, goes);
@@ -70,16 +63,22 @@ void addObjectIfMissing(In<MutableArray> array, const PropertyValue& object) {
   addObjectIfAbsent(array, object);
 }
 
-// A class of arrays may store something else than it is given: what counts is what stands there.
+// A class of arrays may store something else than it is given, or elsewhere than at the end: what
+// counts is what stands there.
 void addObjectsFromArrayIfAbsent(In<MutableArray> array, In<Array> other) {
   if (!array || !other) return;
   const Ref<MutableArray> self = Ref<MutableArray>(array.get());
   const Ref<Array> held = ArrayStorage::steady(*other);
-  Membership known(self, held->count());
+  std::optional<Membership> known(std::in_place, self, held->count());
   for (const PropertyValue& value : *held) {
-    if (known.contains(value)) continue;
+    if (known->contains(value)) continue;
     self->addObject(value);
-    known.add(self->lastObject());
+    const PropertyValue last = self->lastObject();
+    if (last == value) {
+      known->add(last);
+    } else {
+      known.emplace(self, held->count());
+    }
   }
 }
 

@@ -37,7 +37,9 @@ void removeObjectIdenticalTo(In<PointerArray> array, In<Object> object) {
 void removeAllObjects(In<PointerArray> array) {
   if (!array) return;
   const Ref<PointerArray> held = Ref<PointerArray>(array.get());
-  while (held->count() != 0) held->removePointerAtIndex(held->count() - 1);
+  for (std::size_t i = held->count(); i-- > 0;) {
+    if (i < held->count()) held->removePointerAtIndex(i);  // an object that goes may remove others
+  }
 }
 
 void removeAllNulls(In<PointerArray> array) {
@@ -45,17 +47,29 @@ void removeAllNulls(In<PointerArray> array) {
 }
 
 namespace detail {
+namespace {
+
+// Numbers, bools and null are no objects of their own: they are in no slot.
+bool canStandInSlot(const PropertyValue& x) { return x.isNil() || x.object() != nullptr; }
+
+}  // namespace
 
 void addPointerArrayOperations(ClassBuilderBase& c) {
   using Value = const PropertyValue&;
   using Item = const Ref<Object>&;
   c.addFunction("addObject:", +[](Value r, Item x) { addObject(r.as<PointerArray>(), x); });
   c.addFunction(
-      "containsObject:", +[](Value r, Item x) { return containsObject(r.as<PointerArray>(), x); });
-  c.addFunction("removeObject:", +[](Value r, Item x) { removeObject(r.as<PointerArray>(), x); });
+      "containsObject:", +[](Value r, Value x) {
+        return canStandInSlot(x) && containsObject(r.as<PointerArray>(), x.as<Object>());
+      });
   c.addFunction(
-      "removeObjectIdenticalTo:",
-      +[](Value r, Item x) { removeObjectIdenticalTo(r.as<PointerArray>(), x); });
+      "removeObject:", +[](Value r, Value x) {
+        if (canStandInSlot(x)) removeObject(r.as<PointerArray>(), x.as<Object>());
+      });
+  c.addFunction(
+      "removeObjectIdenticalTo:", +[](Value r, Value x) {
+        if (canStandInSlot(x)) removeObjectIdenticalTo(r.as<PointerArray>(), x.as<Object>());
+      });
   c.addFunction("removeAllObjects", +[](Value r) { removeAllObjects(r.as<PointerArray>()); });
   c.addFunction("removeAllNulls", +[](Value r) { removeAllNulls(r.as<PointerArray>()); });
 }

@@ -155,6 +155,31 @@ TEST(ArrayOperations, ContainsArrayRaisesWhenItsArgumentChanges) {
   EXPECT_THROW(kwContainsArray(a, other), qx::GenericException);
 }
 
+// Its comparison replaces the first element of an array.
+class Replacer : public qx::Object {
+ public:
+  Replacer(qx::MutableArray* a, bool answer) : array_(a), answer_(answer) {}
+  bool isEqual(const PropertyValue&) const override {
+    array_->replaceObjectAtIndex(0, "z");
+    return answer_;
+  }
+
+ private:
+  qx::MutableArray* array_;
+  bool answer_;
+};
+void describe(qx::ClassBuilder<Replacer>& c) { c.name("ArrayTestReplacer"); }
+
+TEST(ArrayOperations, ContainsArrayRaisesWhenElementsOfItsArgumentAreReplaced) {
+  for (const bool answer : {true, false}) {
+    const auto other = qx::MutableArray::init();
+    other->addObject("a");
+    other->addObject("b");
+    const auto a = array("a", qx::make<Replacer>(other.get(), answer));
+    EXPECT_THROW(kwContainsArray(a, other), qx::GenericException) << answer;
+  }
+}
+
 TEST(ArrayOperations, OtherWalksGoOnInWhatTheArrayHeld) {
   const auto a = qx::MutableArray::init();
   a->addObject("a");

@@ -144,6 +144,22 @@ TEST(MutableArrayOperations, ClassesOfArraysSeeTheirChanges) {
   EXPECT_EQ(PropertyValue(a), array("c"));
 }
 
+// Puts what it is given to the front.
+class FrontArray : public qx::MutableArray {
+ public:
+  void addObject(const PropertyValue& object) override { insertObject(object, 0); }
+};
+void describe(qx::ClassBuilder<FrontArray>& c) {
+  c.name("FrontArray").inherits<qx::MutableArray>();
+}
+
+TEST(MutableArrayOperations, ClassesOfArraysMayPutWhatIsAddedAnywhere) {
+  const auto a = qx::make<FrontArray>();
+  a->addObject("c");
+  addObjectsFromArrayIfAbsent(a, array("b", "b", "c", "a", "b", "a", "x1", "x2", "x3", "x2", "x1"));
+  EXPECT_EQ(PropertyValue(a), array("x3", "x2", "x1", "a", "b", "c"));
+}
+
 // Its comparison changes the array that is being changed.
 class Intruder : public qx::Object {
  public:

@@ -19,6 +19,26 @@ std::vector<qx::Object*> slotsOf(const Ref<PointerArray>& a) {
   return slots;
 }
 
+TEST(PointerArrayOperations, NumbersAreInNoSlotByName) {
+  const qx::PropertyValue a = PointerArray::strongObjectsPointerArray();
+  qx::performSelector(a, "addObject:", String::from("x"));
+  EXPECT_EQ(qx::performSelector(a, "containsObject:", 1), false);
+  qx::performSelector(a, "removeObject:", true);
+  qx::performSelector(a, "removeObjectIdenticalTo:", 2.5);
+  EXPECT_EQ(qx::performSelector(a, "count"), 1);
+}
+
+TEST(PointerArrayOperations, RemovesTheOnlyNull) {
+  const auto p = String::from("p");
+  const auto q = String::from("q");
+  const auto a = PointerArray::strongObjectsPointerArray();
+  a->addPointer(p.get());
+  a->addPointer(nullptr);
+  a->addPointer(q.get());
+  removeAllNulls(a);
+  EXPECT_EQ(slotsOf(a), (std::vector<qx::Object*>{p.get(), q.get()}));
+}
+
 TEST(PointerArrayOperations, NullsAloneAreRemoved) {
   const auto p = String::from("p");
   const auto q = String::from("q");
