@@ -5,6 +5,7 @@
 
 #include <cerrno>
 #include <cstdlib>
+#include <utility>
 #include <vector>
 
 namespace qx::detail {
@@ -22,6 +23,11 @@ std::optional<UserAccount> accountBy(Ask ask) {
 }
 
 }  // namespace
+
+UserAccounts::~UserAccounts() {
+  const Known* known = known_.load(std::memory_order_acquire);
+  while (known != nullptr) delete std::exchange(known, known->before);
+}
 
 const UserAccount& UserAccounts::current() {
   const uid_t user = ::getuid();

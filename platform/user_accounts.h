@@ -22,7 +22,7 @@ class UserAccounts {
   UserAccounts() = default;
   UserAccounts(const UserAccounts&) = delete;
   UserAccounts& operator=(const UserAccounts&) = delete;
-  virtual ~UserAccounts() = default;
+  virtual ~UserAccounts();
 
   // The account of the process's (real) user. A user without an account is called by the number.
   // Asked of the system once for each user that the process becomes.
@@ -30,7 +30,7 @@ class UserAccounts {
   virtual std::optional<UserAccount> named(const std::string& name);
 
  private:
-  // The accounts that were asked for, a list. Never freed: others may still be reading.
+  // The accounts that were asked for, a list. Not freed before the end: others may be reading.
   struct Known {
     uid_t user;
     UserAccount account;
