@@ -269,6 +269,23 @@ TEST(Tree, TakingApartEndsOnCircles) {
   EXPECT_EQ(b->parent(), nullptr);
 }
 
+TEST_F(TreeTest, IsTraversedBySelector) {
+  const PropertyValue root = r;
+  const auto visits = [&](const char* traversal) {
+    return visitsOf([&] { performSelector(root, qx::Selector::named(traversal), "visit"); });
+  };
+  EXPECT_EQ(visits("traversePreorder:"), "R A1 A2 A B ");
+  EXPECT_EQ(visits("traverseInorder:"), "A1 A2 A R B ");
+  EXPECT_EQ(visits("traversePostorder:"), "A1 A2 A B R ");
+  const auto visitsWith = [&](const char* traversal) {
+    return visitsOf(
+        [&] { performSelector(root, qx::Selector::named(traversal), "visitWith:", 1); });
+  };
+  EXPECT_EQ(visitsWith("traversePreorder:withObject:"), "R1 A11 A21 A1 B1 ");
+  EXPECT_EQ(visitsWith("traverseInorder:withObject:"), "A11 A21 A1 R1 B1 ");
+  EXPECT_EQ(visitsWith("traversePostorder:withObject:"), "A11 A21 A1 B1 R1 ");
+}
+
 TEST(Tree, IsReachedByKeyAndSelector) {
   const PropertyValue root = QXTree::initWithObject("root");
   const PropertyValue child = performSelector(root, "addChildItem:", "child");
@@ -280,8 +297,6 @@ TEST(Tree, IsReachedByKeyAndSelector) {
   EXPECT_EQ(performSelector(root, "containsItem:", "other"), false);
   EXPECT_EQ(performSelector(root, "containsItem:deep:", child, true), true);
   EXPECT_TRUE(isSame(performSelector(root, "childAtIndex:", 0), child));
-  performSelector(root, "traversePreorder:", "count");
-  performSelector(root, "traverseInorder:withObject:", "containsItem:", child);
   performSelector(child, "removeFromParent");
   EXPECT_EQ(child["parent"], nullptr);
   performSelector(child, "setParent:", root);
@@ -289,7 +304,11 @@ TEST(Tree, IsReachedByKeyAndSelector) {
   child.setValue(nullptr, "parent");
   EXPECT_EQ(child["parent"], nullptr);
   performSelector(root, "addChild:", child);
-  performSelector(root, "removeChildItem:", child);
+  EXPECT_TRUE(isSame(performSelector(performSelector(root, "childs"), "objectAtIndex:", 0), child));
+  performSelector(root, "removeChild:", child);
+  EXPECT_EQ(root["count"], 0);
+  performSelector(root, "addChild:", child);
+  performSelector(root, "removeChildItem:", performSelector(child, "object"));
   EXPECT_EQ(performSelector(root, "isLeaf"), true);
   performSelector(root, "takeApart");
 }
