@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-#include "bench/cpu_time.h"
+#include "tests/support/processor_time.h"
 
 namespace bench {
 
@@ -30,9 +30,9 @@ inline void compareWays(benchmark::State& state, const std::vector<Way>& ways, d
   for (auto _ : state) {
     for (int turn = 0; turn < turns; ++turn) {
       for (std::size_t i = 0; i < ways.size(); ++i) {
-        const double start = cpuSeconds();
+        const double start = qx::processorTime();
         ways[i].work();
-        best[i] = std::min(best[i], cpuSeconds() - start);
+        best[i] = std::min(best[i], qx::processorTime() - start);
       }
     }
   }

@@ -26,7 +26,7 @@
 #include <QXFoundation/qualifier.h>
 #include <QXFoundation/qualifier_key.h>
 
-#include "bench/cpu_time.h"
+#include "tests/support/processor_time.h"
 
 namespace bench {
 
@@ -190,9 +190,9 @@ void measure(benchmark::State& state, Filter filter, bool isBaseline = false) {
   double total = 0;
   std::size_t hits = 0;
   for (auto _ : state) {
-    const double start = cpuSeconds();
+    const double start = qx::processorTime();
     hits = filter(n, all);
-    const double took = cpuSeconds() - start;
+    const double took = qx::processorTime() - start;
     state.SetIterationTime(took);
     total += took;
   }

@@ -3,8 +3,8 @@
 
 #include <benchmark/benchmark.h>
 
-#include "bench/cpu_time.h"
 #include "bench/people.h"
+#include "tests/support/processor_time.h"
 
 #ifdef QX_BENCH_SQLITE
 #include <sqlite3.h>
@@ -36,9 +36,9 @@ void measure(benchmark::State& state, const Records& records, Sort sort, IsSorte
   double seconds = 0;
   for (auto _ : state) {
     auto copy = records();
-    const double start = bench::cpuSeconds();
+    const double start = qx::processorTime();
     sort(copy);
-    const double took = bench::cpuSeconds() - start;
+    const double took = qx::processorTime() - start;
     state.SetIterationTime(took);
     seconds += took;
     if (seconds == took && !isSorted(copy)) return state.SkipWithError("not sorted");

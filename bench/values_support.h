@@ -9,7 +9,7 @@
 #include <cstdlib>
 #include <string>
 
-#include "bench/cpu_time.h"
+#include "tests/support/processor_time.h"
 
 namespace bench {
 
@@ -18,9 +18,9 @@ template <class Items, class Work>
 void perItem(benchmark::State& state, const Items& items, Work work) {
   double total = 0;
   for (auto _ : state) {
-    const double start = cpuSeconds();
+    const double start = qx::processorTime();
     for (const auto& item : items) benchmark::DoNotOptimize(work(item));
-    total += cpuSeconds() - start;
+    total += qx::processorTime() - start;
   }
   state.counters["ns"] =
       1e9 * total / static_cast<double>(state.iterations()) / static_cast<double>(items.size());

@@ -8,7 +8,8 @@
 
 namespace qx {
 
-// The processor time that this thread has used, in seconds.
+// The processor time that this thread has used, in seconds. Other programs on a busy machine do not
+// count, though they still take their share of the caches.
 inline double processorTime() {
   timespec t{};
   clock_gettime(CLOCK_THREAD_CPUTIME_ID, &t);
