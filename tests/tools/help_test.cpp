@@ -24,7 +24,7 @@ void expectShown(const ProgramRun& run, const std::vector<std::string>& texts) {
 TEST(Help, ListsTheCommands) {
   expectShown(runTool({"--help"}),
               {"Usage: qx", "\n  select ", "\n  explain ", "\n  plist ", "\n  date ", "\n  size ",
-               "\n  fraction ", "\n  lock ", "\n  identity ", "--version"});
+               "\n  fraction ", "\n  lock ", "\n  identity ", "\n  tags ", "--version"});
 }
 
 TEST(Help, ShowsOptionsAndExamplesOfACommand) {
@@ -46,6 +46,9 @@ TEST(Help, ShowsOptionsAndExamplesOfACommand) {
   expectShown(runTool({"prefs", "--help"}),
               {"Usage: qx prefs [OPTIONS] [FILE] [ACTION] [KEYPATH] [VALUE]", "--application NAME",
                "--type TYPE", "--json", "\nExamples:\n  qx prefs "});
+  expectShown(runTool({"tags", "--help"}),
+              {"Usage: qx tags [OPTIONS] FILE...", "--set NAME[:COLOUR]", "--add NAME[:COLOUR]",
+               "--remove NAME", "--clear", "--json", "\nExamples:\n  qx tags "});
 }
 
 TEST(Help, ShowsTheVersion) {

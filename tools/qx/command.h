@@ -27,5 +27,6 @@ extern const Command kFractionCommand;
 extern const Command kPrefsCommand;
 extern const Command kLockCommand;
 extern const Command kIdentityCommand;
+extern const Command kTagsCommand;
 
 }  // namespace qxtool
