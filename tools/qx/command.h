@@ -28,5 +28,6 @@ extern const Command kPrefsCommand;
 extern const Command kLockCommand;
 extern const Command kIdentityCommand;
 extern const Command kTagsCommand;
+extern const Command kAttributesCommand;
 
 }  // namespace qxtool

@@ -19,9 +19,10 @@
 namespace qxtool {
 namespace {
 
-const Command* const kCommands[] = {
-    &kSelectCommand, &kExplainCommand,  &kPlistCommand, &kPrefsCommand,    &kDateCommand,
-    &kSizeCommand,   &kFractionCommand, &kLockCommand,  &kIdentityCommand, &kTagsCommand};
+const Command* const kCommands[] = {&kSelectCommand,   &kExplainCommand,   &kPlistCommand,
+                                    &kPrefsCommand,    &kDateCommand,      &kSizeCommand,
+                                    &kFractionCommand, &kLockCommand,      &kIdentityCommand,
+                                    &kTagsCommand,     &kAttributesCommand};
 
 void show(const std::string& text) {
   Output output;
