@@ -2,24 +2,15 @@
 
 // Extended attributes as they stand on the disk, and as another program writes and reads them.
 
-#include <sys/xattr.h>
-
 #include <string>
 
+#include "tests/support/raw_attributes.h"
 #include "tests/tools/run_program.h"
 
 namespace qx_tests {
 
-inline bool storeAttribute(const std::string& path, const std::string& name,
-                           const std::string& bytes) {
-  return ::setxattr(path.c_str(), name.c_str(), bytes.data(), bytes.size(), 0) == 0;
-}
-
-inline std::string storedAttribute(const std::string& path, const std::string& name) {
-  char bytes[70000];
-  const ssize_t size = ::getxattr(path.c_str(), name.c_str(), bytes, sizeof bytes);
-  return size < 0 ? "absent" : std::string(bytes, static_cast<std::size_t>(size));
-}
+using test_support::storeAttribute;
+using test_support::storedAttribute;
 
 // The attribute as Python reads it: the `repr` of its property list.
 inline std::string listOfAttribute(const std::string& path, const std::string& name) {
