@@ -1,10 +1,9 @@
 // Map, filter, reduce, flat-map, contains and for-each over arrays, with any callable.
 //
 //     auto names = qxMap(people, [](const qx::PropertyValue& p) { return p["name"]; });
-//     auto adults = qxFilter(people, [](const qx::PropertyValue& p) { return p["age"].intValue() >=
-//     18; }); auto texts = qxFilter(mixed, isLong, qx::classOf<qx::String>());     // of strings
-//     alone auto first3 = qxMap(people, [](const qx::PropertyValue& p, std::size_t index, bool&
-//     stop) {
+//     auto adults = qxFilter(people, [](const auto& p) { return p["age"].intValue() >= 18; });
+//     auto texts = qxFilter(mixed, isLong, qx::classOf<qx::String>());      // of strings alone
+//     auto first3 = qxMap(people, [](const auto& p, std::size_t index, bool& stop) {
 //       stop = index == 2;
 //       return p["name"];
 //     });

@@ -54,6 +54,16 @@ TEST(ArrayFunctional, OnlyExactlyOneIsYes) {
   EXPECT_FALSE(qxContains(a, [](Value) -> unsigned char { return 2; }));
   EXPECT_FALSE(qxContains(a, [](Value) { return 2; }, qx::classOf<qx::Number>()));
   EXPECT_TRUE(qxContains(a, [](Value) -> unsigned char { return 1; }));
+  // An answer of many bytes is not cut to one; a character is a byte.
+  EXPECT_FALSE(qxContains(a, [](Value) { return std::int64_t{1} << 32 | 1; }));
+  EXPECT_FALSE(qxContains(a, [](Value) { return '1'; }));
+  EXPECT_EQ(qxFilter(a, [](Value) { return '\1'; })->count(), 3U);
+  const auto byteOf = [](Value e) { return static_cast<unsigned char>(e.intValue()); };
+  EXPECT_EQ(PropertyValue(qxFilter(a, byteOf)), array(1));
+  EXPECT_EQ(PropertyValue(qxFilter(array("x", 1, 2), byteOf, qx::classOf<qx::Number>())), array(1));
+  // The search goes on behind an answer that is no yes.
+  EXPECT_TRUE(qxContains(array(2, 255, 1), byteOf));
+  EXPECT_TRUE(qxContains(array(2, 1), byteOf, qx::classOf<qx::Number>()));
 }
 
 TEST(ArrayFunctional, FlatMapTransformsWhatItFlattens) {
@@ -83,10 +93,30 @@ TEST(ArrayFunctional, FlatMapOfATransformWithoutEndRaises) {
                qx::InvalidArgumentException);
 }
 
+TEST(ArrayFunctional, FlatMapOfAClassTestsResultsNotElements) {
+  const auto lengthOrSelf = [](Value e) {
+    return e.isString() ? PropertyValue(e.as<qx::String>()->length()) : e;
+  };
+  // Strings pass the transform although they are no numbers; what is no number afterwards goes.
+  EXPECT_EQ(PropertyValue(qxFlatMap(array("ab", qx::null, array("c", 7)), lengthOrSelf,
+                                    qx::classOf<qx::Number>())),
+            array(2, 1, 7));
+  // Arrays are walked, also where the class is theirs.
+  EXPECT_EQ(
+      qxFlatMap(array(array(1), array(array("x"))), itself, qx::classOf<qx::Array>())->count(), 0U);
+  const auto nilForOne = [](Value e) { return e == 1 ? PropertyValue() : e; };
+  EXPECT_EQ(
+      PropertyValue(qxFlatMap(array(1, 2, array(1, 3)), nilForOne, qx::classOf<qx::Object>())),
+      array(2, 3));
+}
+
 TEST(ArrayFunctional, ReduceKeepsToItsClass) {
   const auto add = [](Value v, Value e) { return v.intValue() + e.intValue(); };
   EXPECT_EQ(qxReduce(array(1, 2, 3), 0, add), 6);
   EXPECT_EQ(qxReduce(array("a", "b"), 0, add, qx::classOf<qx::String>()), 0);
+  // Elements of other classes are passed over.
+  EXPECT_EQ(qxReduce(array(1, "x", 2, qx::null, 3), 10, add, qx::classOf<qx::Number>()), 16);
+  EXPECT_EQ(qxReduce(array(1, 2), nullptr, add, qx::classOf<qx::Number>()), nullptr);
   // A step that leaves the class is the last one.
   const auto toNull = [](Value v, Value e) {
     return e == 2 ? PropertyValue(qx::null) : PropertyValue(v.intValue() + e.intValue());
@@ -108,11 +138,37 @@ TEST(ArrayFunctional, ContainsStopsAtTheFirstYes) {
   EXPECT_EQ(calls, 2);
 }
 
+TEST(ArrayFunctional, ContainsOfAClassAsksForItsElementsAlone) {
+  std::string asked;
+  const auto isB = [&](Value e) {
+    asked += e.description();
+    return e == "b";
+  };
+  EXPECT_TRUE(qxContains(array(1, "a", qx::null, "b", "c"), isB, qx::classOf<qx::String>()));
+  EXPECT_EQ(asked, "ab");
+  EXPECT_FALSE(qxContains(array("b"), isB, qx::classOf<qx::Number>()));
+  EXPECT_EQ(asked, "ab");
+}
+
+TEST(ArrayFunctional, NilIsAValueBetweenSteps) {
+  const auto last = qxReduce(array(1, 2, 3), 0, [](Value v, Value e) {
+    return e == 2 ? PropertyValue() : v.isNil() ? PropertyValue("after nil") : e;
+  });
+  EXPECT_EQ(last, "after nil");
+}
+
 TEST(ArrayFunctional, MapThatGivesNilRaises) {
   EXPECT_THROW((void)qxMap(array(1), [](Value) { return nullptr; }), qx::InvalidArgumentException);
   EXPECT_THROW((void)qxMap(
                    array(1), [](Value) { return PropertyValue(); }, qx::classOf<qx::Number>()),
                qx::InvalidArgumentException);
+}
+
+TEST(ArrayFunctional, MapRaisesAtTheElementThatGivesNil) {
+  int calls = 0;
+  const auto nilForSecond = [&](Value e) { return ++calls == 2 ? PropertyValue() : e; };
+  EXPECT_THROW((void)qxMap(array("a", "b", "c"), nilForSecond), qx::InvalidArgumentException);
+  EXPECT_EQ(calls, 2);
 }
 
 TEST(ArrayFunctional, BlocksMayTakeIndexAndStopFlag) {

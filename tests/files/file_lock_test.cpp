@@ -14,38 +14,29 @@
 #include <QXFoundation/lock_file.h>
 #include <QXFoundation/machine_identity.h>
 #include <QXFoundation/path.h>
-#include <QXFoundation/property_list.h>
 
+#include "tests/files/lock_records.h"
 #include "tests/support/child_process.h"
 #include "tests/support/failing_file_calls.h"
 #include "tests/support/fake_machine.h"
+#include "tests/support/files.h"
 #include "tests/support/temporary_folder.h"
 
 namespace qx {
 namespace {
 
 using test_support::ChildProcess;
+using test_support::files;
 
 static_assert(!std::is_copy_constructible_v<QXFileLock>);
 static_assert(std::is_nothrow_move_constructible_v<QXFileLock>);
 static_assert(std::is_nothrow_move_assignable_v<QXFileLock>);
 
-Ref<FileManager> files() { return FileManager::defaultManager(); }
-
 class FileLockTest : public testing::Test {
  protected:
   bool isLocked() const { return std::filesystem::exists(lock_); }
-  void writeRecord(const PropertyValue& record) const {
-    test_support::writeBytes(
-        lock_,
-        PropertyListSerialization::dataWithPropertyList(record, PropertyListFormat::xml)->view());
-  }
-  void writeRecordOf(pid_t process) const {
-    writeRecord(dict({{"hostIdentifier", QXUniqueMachineIdentifier()},
-                      {"hostName", QXHostName()},
-                      {"userName", NSUserName()},
-                      {"processNumber", process}}));
-  }
+  void writeRecord(const PropertyValue& record) const { test_support::writeRecord(lock_, record); }
+  void writeRecordOf(pid_t process) const { writeRecord(test_support::recordOfProcess(process)); }
 
   test_support::TemporaryFolder folder_;
   std::string path_ = folder_ / "f";

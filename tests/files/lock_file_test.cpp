@@ -1,50 +1,35 @@
-// Lock files: every row of the decision, every failure, and real processes.
+// Lock files: their names and records, every row of the decision, and every failure to take one.
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <cerrno>
 #include <filesystem>
 
-#include <QXFoundation/class_builder.h>
 #include <QXFoundation/exception.h>
 #include <QXFoundation/lock_file.h>
 #include <QXFoundation/machine_identity.h>
 #include <QXFoundation/path.h>
 #include <QXFoundation/property_list.h>
 
+#include "tests/files/lock_records.h"
 #include "tests/frame/raises.h"
-#include "tests/support/child_process.h"
 #include "tests/support/failing_file_calls.h"
 #include "tests/support/fake_machine.h"
+#include "tests/support/files.h"
 #include "tests/support/scoped_variable.h"
 #include "tests/support/temporary_folder.h"
 
 namespace qx {
 namespace {
 
-using test_support::ChildProcess;
 using test_support::FakeIdentity;
 using test_support::FakeProcesses;
 using test_support::FakeUser;
+using test_support::files;
+using test_support::recordOfProcess;
 using test_support::TemporaryFolder;
-
-Ref<FileManager> files() { return FileManager::defaultManager(); }
-
-void writeRecord(const std::string& lockPath, const PropertyValue& record) {
-  const auto data =
-      PropertyListSerialization::dataWithPropertyList(record, PropertyListFormat::xml);
-  test_support::writeBytes(lockPath, data->view());
-}
-
-// The record of this process, with another process's number.
-Ref<Dictionary> recordOfProcess(pid_t process) {
-  return dict({{"hostIdentifier", QXUniqueMachineIdentifier()},
-               {"hostName", QXHostName()},
-               {"userName", NSUserName()},
-               {"processNumber", process}});
-}
+using test_support::writeRecord;
 
 // ---- names and records
 
@@ -334,187 +319,6 @@ TEST(LockFile, TellsItsRecord) {
   EXPECT_TRUE(PropertyValue(lockRecordForPath(files(), folder / "f")) ==
               PropertyValue(dict({{"hostName", "x"}})));
   EXPECT_TRUE(lockRecordForPath(nullptr, "/x") == nullptr);
-}
-
-// ---- unlocking
-
-TEST(Unlocking, RemovesTheLockOfThisProcess) {
-  const TemporaryFolder folder;
-  bool created = false;
-  ASSERT_TRUE(lockFileAtPath(files(), folder / "f", false, created) != nullptr);
-  unlockFileAtPath(files(), folder / "f");
-  EXPECT_TRUE(folder.names().empty());
-  EXPECT_EQ(
-      reasonOf<InternalInconsistencyException>([&] { unlockFileAtPath(files(), folder / "f"); }),
-      "Error unlocking file at " + (folder / "f") + ": lock file " + (folder / "f.lock") +
-          " does not exist");
-}
-
-TEST(Unlocking, NamesThePathAsItWasGiven) {
-  EXPECT_EQ(
-      reasonOf<InternalInconsistencyException>(
-          [] { unlockFileAtPath(files(), "/no//such/./file"); }),
-      "Error unlocking file at /no//such/./file: lock file /no/such/file.lock does not exist");
-}
-
-struct ForeignCase {
-  const char* name;
-  PropertyValue host, user, process;
-  bool isOwn;
-};
-
-class ForeignLock : public testing::TestWithParam<ForeignCase> {};
-
-TEST_P(ForeignLock, IsLeftAlone) {
-  const FakeIdentity identity("11:22", "here");
-  const FakeUser user("ann");
-  FakeProcesses processes;
-  processes.own = 77;
-  const TemporaryFolder folder;
-  const auto record = MutableDictionary::init();
-  record->setObject("a different one does not matter", "hostIdentifier");
-  record->setValueForKey(GetParam().host, "hostName");
-  record->setValueForKey(GetParam().user, "userName");
-  record->setValueForKey(GetParam().process, "processNumber");
-  writeRecord(folder / "f.lock", record);
-  const std::string before = test_support::readBytes(folder / "f.lock");
-  if (GetParam().isOwn) {
-    unlockFileAtPath(files(), folder / "f");
-    EXPECT_TRUE(folder.names().empty());
-    return;
-  }
-  EXPECT_EQ(
-      reasonOf<InternalInconsistencyException>([&] { unlockFileAtPath(files(), folder / "f"); }),
-      "Error unlocking file at " + (folder / "f") + ": lock file doesn't match current process");
-  EXPECT_EQ(test_support::readBytes(folder / "f.lock"), before);
-}
-
-INSTANTIATE_TEST_SUITE_P(Table, ForeignLock,
-                         testing::Values(ForeignCase{"own", "here", "ann", 77, true},
-                                         ForeignCase{"own_as_text", "here", "ann", "77", true},
-                                         ForeignCase{"other_host", "there", "ann", 77, false},
-                                         ForeignCase{"other_user", "here", "bob", 77, false},
-                                         ForeignCase{"other_process", "here", "ann", 78, false},
-                                         ForeignCase{"no_host", nullptr, "ann", 77, false},
-                                         ForeignCase{"no_user", "here", nullptr, 77, false},
-                                         ForeignCase{"no_process", "here", "ann", nullptr, false},
-                                         ForeignCase{"host_is_no_text", 5, "ann", 77, false}),
-                         [](const auto& c) { return c.param.name; });
-
-// A file manager for which nothing can be removed.
-class KeepingManager : public FileManager {
- public:
-  bool removeItemAtPath(StringArg, Ref<Error>*) override { return false; }
-};
-void describe(ClassBuilder<KeepingManager>& c) { c.name("KeepingManager").inherits<FileManager>(); }
-
-TEST(Unlocking, RaisesWhereTheLockCanNotBeRemoved) {
-  const TemporaryFolder folder;
-  const Ref<FileManager> keeping = make<KeepingManager>();
-  bool created = false;
-  ASSERT_TRUE(lockFileAtPath(keeping, folder / "f", false, created) != nullptr);
-  EXPECT_EQ(reasonOf<GenericException>([&] { unlockFileAtPath(keeping, folder / "f"); }),
-            "Error unlocking file at " + (folder / "f") + ": lock file couldn't be removed");
-  EXPECT_EQ(folder.names(), (std::vector<std::string>{"f.lock"}));
-}
-
-// ---- real processes
-
-TEST(RealLocks, OfADeadProcessAreTakenOver) {
-  const TemporaryFolder folder;
-  ChildProcess child([&] {
-    bool created = false;
-    return lockFileAtPath(files(), folder / "f", false, created) != nullptr && created ? 0 : 1;
-  });
-  const pid_t number = child.number();
-  ASSERT_EQ(child.wait(), 0);
-  EXPECT_TRUE(lockRecordForPath(files(), folder / "f")->objectForKey("processNumber") == number);
-  bool created = false;
-  const auto record = lockFileAtPath(files(), folder / "f", false, created);
-  EXPECT_TRUE(created);
-  EXPECT_TRUE(record->objectForKey("processNumber") == ::getpid());
-}
-
-TEST(RealLocks, OfALiveProcessAreHeld) {
-  const TemporaryFolder folder;
-  ChildProcess child([] {
-    ::pause();
-    return 0;
-  });
-  writeRecord(folder / "f.lock", recordOfProcess(child.number()));
-  bool created = true;
-  EXPECT_TRUE(PropertyValue(lockFileAtPath(files(), folder / "f", false, created)) ==
-              PropertyValue(recordOfProcess(child.number())));
-  EXPECT_FALSE(created);
-  EXPECT_THROW(unlockFileAtPath(files(), folder / "f"), InternalInconsistencyException);
-  child.kill();
-  EXPECT_TRUE(lockFileAtPath(files(), folder / "f", false, created) != nullptr);
-  EXPECT_TRUE(created);
-}
-
-TEST(RealLocks, OfAProcessThatMayNotBeSignalledAreHeld) {
-  if (::getuid() != 0) GTEST_SKIP() << "only a privileged process can give its rights up";
-  const TemporaryFolder folder;
-  std::filesystem::permissions(folder.path(), std::filesystem::perms::all);
-  writeRecord(folder / "f.lock", recordOfProcess(1));
-  writeRecord(folder / "g.lock", recordOfProcess(::getpid()));
-  ChildProcess child([&] {
-    if (!test_support::becomeNobody()) return 10;
-    if (detail::processes().probe(1) != EPERM) return 11;
-    bool created = true;
-    const auto record = lockFileAtPath(files(), folder / "f", false, created);
-    if (created || record->objectForKey("processNumber") != 1) return 12;
-    const auto other = lockFileAtPath(files(), folder / "g", false, created);
-    return created || other->objectForKey("userName") == PropertyValue(NSUserName()) ? 13 : 0;
-  });
-  EXPECT_EQ(child.wait(), 0);
-}
-
-TEST(RealLocks, OfAnotherUserAreNotUnlocked) {
-  if (::getuid() != 0) GTEST_SKIP() << "only a privileged process can give its rights up";
-  const TemporaryFolder folder;
-  std::filesystem::permissions(folder.path(), std::filesystem::perms::all);
-  ChildProcess child([&] {
-    bool created = false;
-    lockFileAtPath(files(), folder / "f", false, created);
-    if (!created || !test_support::becomeNobody()) return 10;
-    const std::string reason =
-        reasonOf<InternalInconsistencyException>([&] { unlockFileAtPath(files(), folder / "f"); });
-    return reason.find("lock file doesn't match current process") != std::string::npos ? 0 : 11;
-  });
-  EXPECT_EQ(child.wait(), 0);
-  EXPECT_EQ(folder.names(), (std::vector<std::string>{"f.lock"}));
-}
-
-TEST(RealLocks, InAFolderThatMayNotBeWrittenFail) {
-  if (::getuid() != 0) GTEST_SKIP() << "only a privileged process can give its rights up";
-  const TemporaryFolder folder;
-  std::filesystem::permissions(folder.path(), std::filesystem::perms(0755));
-  std::filesystem::create_directory(folder / "d");
-  ChildProcess child([&] {
-    if (!test_support::becomeNobody()) return 10;
-    bool created = true;
-    Ref<Error> error;
-    if (lockFileAtPath(files(), folder / "d/f", false, created, &error) != nullptr || created)
-      return 11;
-    if (error == nullptr || error->code() != EACCES) return 12;
-    return lockFileAtPath(files(), folder / "new/f", false, created, &error) == nullptr &&
-                   error == nullptr
-               ? 0
-               : 13;
-  });
-  EXPECT_EQ(child.wait(), 0);
-}
-
-TEST(RealLocks, AreReadableForOthers) {
-  const TemporaryFolder folder;
-  const mode_t before = ::umask(022);
-  bool created = false;
-  lockFileAtPath(files(), folder / "f", false, created);
-  ::umask(before);
-  struct stat about{};
-  ASSERT_EQ(::stat((folder / "f.lock").c_str(), &about), 0);
-  EXPECT_EQ(about.st_mode & 0777, 0644U);
 }
 
 }  // namespace

@@ -16,12 +16,14 @@
 
 #include "platform/file_calls.h"
 #include "tests/support/failing_file_calls.h"
+#include "tests/support/files.h"
 #include "tests/support/temporary_folder.h"
 
 namespace qx::detail {
 namespace {
 
 using test_support::FailingFileCalls;
+using test_support::modeOf;
 using test_support::readBytes;
 using test_support::TemporaryFolder;
 using test_support::writeBytes;
@@ -29,12 +31,6 @@ using testing::ElementsAre;
 
 constexpr AtomicWrite kPlain{};
 constexpr AtomicWrite kSafe{.durable = true, .following = true};
-
-mode_t modeOf(const std::string& path) {
-  struct stat about{};
-  EXPECT_EQ(::stat(path.c_str(), &about), 0);
-  return about.st_mode & 07777;
-}
 
 ino_t inodeOf(const std::string& path) {
   struct stat about{};
@@ -54,9 +50,8 @@ INSTANTIATE_TEST_SUITE_P(Options, AtomicFile,
                                          AtomicWrite{.durable = false, .following = true}, kSafe));
 
 TEST_P(AtomicFile, MakesANewFileWithTheModeOfOne) {
-  const mode_t before = ::umask(027);
+  const test_support::WithUmask umask(027);
   EXPECT_EQ(replaceFile(path, "content", GetParam()), 0);
-  ::umask(before);
   EXPECT_EQ(readBytes(path), "content");
   EXPECT_EQ(modeOf(path), 0640U);
   EXPECT_THAT(folder.names(), ElementsAre("file"));

@@ -1,7 +1,6 @@
 // Existence, folders, removing.
 
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
 #include <cerrno>
 #include <filesystem>
@@ -11,19 +10,16 @@
 #include <QXFoundation/file_manager.h>
 
 #include "tests/support/failing_file_calls.h"
+#include "tests/support/files.h"
 #include "tests/support/temporary_folder.h"
 
 namespace qx {
 namespace {
 
+using test_support::files;
+using test_support::modeOf;
 using test_support::TemporaryFolder;
-
-Ref<FileManager> files() { return FileManager::defaultManager(); }
-
-mode_t modeOf(const std::string& path) {
-  struct stat about{};
-  return ::lstat(path.c_str(), &about) == 0 ? about.st_mode & 07777 : 0;
-}
+using test_support::WithUmask;
 
 TEST(FileManager, IsShared) {
   EXPECT_TRUE(isSame(PropertyValue(files()), PropertyValue(files())));
@@ -76,11 +72,9 @@ TEST(FileManager, GivesExactRightsWhateverTheUmask) {
   const TemporaryFolder folder;
   for (const mode_t umask : {mode_t{0}, mode_t{022}, mode_t{0777}}) {
     for (const int mode : {0700, 01777, 0, 0755, 02770}) {
-      const mode_t before = ::umask(umask);
-      const bool made = files()->createDirectoryAtPath(folder / "x", false,
-                                                       dict({{NSFilePosixPermissions, mode}}));
-      ::umask(before);
-      EXPECT_TRUE(made);
+      const WithUmask limited(umask);
+      EXPECT_TRUE(files()->createDirectoryAtPath(folder / "x", false,
+                                                 dict({{NSFilePosixPermissions, mode}})));
       EXPECT_EQ(modeOf(folder / "x"), static_cast<mode_t>(mode));
       EXPECT_TRUE(
           files()->attributesOfItemAtPath(folder / "x")->objectForKey(NSFilePosixPermissions) ==
@@ -92,10 +86,9 @@ TEST(FileManager, GivesExactRightsWhateverTheUmask) {
 
 TEST(FileManager, LeavesTheFoldersOnTheWayTheirUsualRights) {
   const TemporaryFolder folder;
-  const mode_t before = ::umask(027);
+  const WithUmask umask(027);
   EXPECT_TRUE(files()->createDirectoryAtPath(folder / "a/b", true,
                                              dict({{NSFilePosixPermissions, 01777}, {"x", 1}})));
-  ::umask(before);
   EXPECT_EQ(modeOf(folder / "a"), 0750U);
   EXPECT_EQ(modeOf(folder / "a/b"), 01777U);
 }

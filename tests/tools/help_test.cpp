@@ -22,9 +22,9 @@ void expectShown(const ProgramRun& run, const std::vector<std::string>& texts) {
 }
 
 TEST(Help, ListsTheCommands) {
-  expectShown(runTool({"--help"}),
-              {"Usage: qx", "\n  select ", "\n  explain ", "\n  plist ", "\n  date ", "\n  size ",
-               "\n  fraction ", "\n  lock ", "\n  identity ", "--version"});
+  expectShown(runTool({"--help"}), {"Usage: qx", "\n  select ", "\n  explain ", "\n  plist ",
+                                    "\n  date ", "\n  size ", "\n  fraction ", "\n  lock ",
+                                    "\n  identity ", "\n  tags ", "\n  attributes ", "--version"});
 }
 
 TEST(Help, ShowsOptionsAndExamplesOfACommand) {
@@ -46,6 +46,12 @@ TEST(Help, ShowsOptionsAndExamplesOfACommand) {
   expectShown(runTool({"prefs", "--help"}),
               {"Usage: qx prefs [OPTIONS] [FILE] [ACTION] [KEYPATH] [VALUE]", "--application NAME",
                "--type TYPE", "--json", "\nExamples:\n  qx prefs "});
+  expectShown(runTool({"tags", "--help"}),
+              {"Usage: qx tags [OPTIONS] FILE...", "--set NAME[:COLOUR]", "--add NAME[:COLOUR]",
+               "--remove NAME", "--clear", "--json", "\nExamples:\n  qx tags "});
+  expectShown(runTool({"attributes", "--help"}),
+              {"Usage: qx attributes [OPTIONS] FILE [ACTION] [NAME] [VALUE]", "--type TYPE",
+               "--raw", "\nExamples:\n  qx attributes "});
 }
 
 TEST(Help, ShowsTheVersion) {

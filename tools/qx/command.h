@@ -27,5 +27,7 @@ extern const Command kFractionCommand;
 extern const Command kPrefsCommand;
 extern const Command kLockCommand;
 extern const Command kIdentityCommand;
+extern const Command kTagsCommand;
+extern const Command kAttributesCommand;
 
 }  // namespace qxtool

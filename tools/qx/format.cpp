@@ -1,10 +1,9 @@
 #include "tools/qx/format.h"
 
-#include <iostream>
-
 #include <QXFoundation/exception.h>
 
 #include "tools/qx/failure.h"
+#include "tools/qx/message.h"
 #include "tools/qx/printable.h"
 
 namespace qxtool {
@@ -23,7 +22,7 @@ ParsedFormat parsedFormat(const std::string& format,
 
 void showRemarks(const std::vector<qx::FormatRemark>& remarks) {
   for (const qx::FormatRemark& remark : remarks) {
-    std::cerr << "qx: column " << remark.column << ": " << printable(remark.text) << '\n';
+    tell("column " + std::to_string(remark.column) + ": " + remark.text);
   }
 }
 

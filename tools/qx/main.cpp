@@ -1,12 +1,11 @@
-// qx: qualifiers on files, property lists, settings, locks, and single values, from the command
-// line.
+// qx: qualifiers on files, property lists, settings, locks, tags, and single values, from the
+// command line.
 
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
 #include <exception>
 #include <functional>
-#include <iostream>
 #include <new>
 #include <string>
 
@@ -14,15 +13,16 @@
 
 #include "tools/qx/command.h"
 #include "tools/qx/failure.h"
+#include "tools/qx/message.h"
 #include "tools/qx/output.h"
-#include "tools/qx/printable.h"
 
 namespace qxtool {
 namespace {
 
-const Command* const kCommands[] = {&kSelectCommand,   &kExplainCommand, &kPlistCommand,
-                                    &kPrefsCommand,    &kDateCommand,    &kSizeCommand,
-                                    &kFractionCommand, &kLockCommand,    &kIdentityCommand};
+const Command* const kCommands[] = {&kSelectCommand,   &kExplainCommand,   &kPlistCommand,
+                                    &kPrefsCommand,    &kDateCommand,      &kSizeCommand,
+                                    &kFractionCommand, &kLockCommand,      &kIdentityCommand,
+                                    &kTagsCommand,     &kAttributesCommand};
 
 void show(const std::string& text) {
   Output output;
@@ -31,7 +31,7 @@ void show(const std::string& text) {
 }
 
 int fail(const std::string& reason, int exitCode = Failure::kFailed) {
-  std::cerr << "qx: " << printable(reason) << '\n';
+  tell(reason);
   return exitCode;
 }
 
@@ -39,8 +39,8 @@ int fail(const std::string& reason, int exitCode = Failure::kFailed) {
 void run(int argc, char** argv) {
   CLI::App app(
       "Selects records from files by qualifiers, converts property lists, keeps settings, locks "
-      "files, and shows "
-      "what single values stand for.",
+      "and "
+      "tags files, and shows what single values stand for.",
       "qx");
   app.get_formatter()->column_width(24);
   app.set_version_flag("--version", "qx " QX_VERSION);

@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdlib>
 #include <system_error>
 
 #include "tools/qx/failure.h"
@@ -42,6 +43,13 @@ void Output::finish() {
 }
 
 bool outputIsTerminal() { return ::isatty(STDOUT_FILENO) == 1; }
+
+bool outputTakesColours() {
+  const char* refused = std::getenv("NO_COLOR");
+  const char* terminal = std::getenv("TERM");
+  const bool isDumb = terminal != nullptr && std::string_view(terminal) == "dumb";
+  return outputIsTerminal() && (refused == nullptr || *refused == '\0') && !isDumb;
+}
 
 void requireNoTerminal() {
   if (outputIsTerminal()) throw Failure("binary property lists are not written to a terminal");

@@ -26,6 +26,9 @@ class Output {
 
 // True when people are looking at it.
 bool outputIsTerminal();
+// True when that terminal may be given colours: not with NO_COLOR in the environment, whatever its
+// value unless empty, nor where TERM is "dumb".
+bool outputTakesColours();
 // A Failure when they are: for bytes that would upset their terminal.
 void requireNoTerminal();
 // Columns of that terminal; 80 where it does not tell.

@@ -16,8 +16,8 @@
 #include "tools/qx/json_writer.h"
 #include "tools/qx/output.h"
 #include "tools/qx/prefs_store.h"
-#include "tools/qx/prefs_values.h"
 #include "tools/qx/printable.h"
+#include "tools/qx/typed_values.h"
 
 namespace qxtool {
 namespace {
@@ -84,7 +84,7 @@ void save(const Work& work, qx::QXPreferences& store) {
 void get(const Work& work) {
   const auto store = work.place.open(true);
   const qx::PropertyValue value = required(work, *store);
-  show((work.options.json ? settingJson(value) : shown(settingText(value))) + "\n");
+  show((work.options.json ? valueJson(value) : shown(valueText(value))) + "\n");
 }
 
 void requireWritable(const qx::PropertyValue& value) {
@@ -101,7 +101,7 @@ void requireWritable(const qx::PropertyValue& value) {
 void set(const Work& work) {
   const std::string& keyPath = *work.request.keyPath;
   const qx::PropertyValue value =
-      settingFromText(work.options.type.value_or("string"), *work.request.value);
+      valueFromText(work.options.type.value_or("string"), *work.request.value);
   requireWritable(value);
   const auto store = work.place.open(false);
   store->setObject(value, keyPath);
@@ -127,7 +127,7 @@ void appendLines(std::string& out, const std::string& path, const qx::PropertyVa
                  bool isReachable) {
   const auto* dictionary = value.peek<qx::Dictionary>();
   if (dictionary == nullptr || dictionary->count() == 0 || !isReachable) {
-    out += path + " = " + printable(settingText(value)) + "\n";
+    out += path + " = " + printable(valueText(value)) + "\n";
     return;
   }
   for (const auto& [key, element] : *dictionary) {
@@ -146,7 +146,7 @@ void list(const Work& work) {
   const auto store = work.place.open(true);
   const auto& keyPath = work.request.keyPath;
   const qx::PropertyValue value = keyPath ? required(work, *store) : store->userValues();
-  if (work.options.json) return show(settingJson(value) + "\n");
+  if (work.options.json) return show(valueJson(value) + "\n");
   std::string lines;
   if (!keyPath && store->userValues()->count() == 0) return;
   appendLines(lines, keyPath ? printable(*keyPath) : std::string(), value, true);
@@ -208,7 +208,7 @@ std::function<void()> declarePrefs(CLI::App& app) {
   app.add_option("--application", options->application, "The user defaults of this application")
       ->type_name("NAME");
   app.add_option("--type", options->type,
-                 std::string("What VALUE is: ") + kSettingTypes + "; string if not given")
+                 std::string("What VALUE is: ") + kValueTypes + "; string if not given")
       ->type_name("TYPE");
   app.add_flag("--json", options->json, "Show values as JSON");
   return [options] { runPrefs(*options); };

@@ -1,4 +1,4 @@
-// Settings as they are given and shown on the command line.
+// Values as they are given and shown on the command line.
 #pragma once
 
 #include <string>
@@ -9,17 +9,17 @@
 namespace qxtool {
 
 // The names that --type takes, for messages.
-inline constexpr char kSettingTypes[] = "string, int, float, double, bool, date, data or json";
+inline constexpr char kValueTypes[] = "string, int, float, double, bool, date, data or json";
 
 // The value that the text stands for as that type. A Failure tells what the type takes.
-qx::PropertyValue settingFromText(std::string_view type, const std::string& text);
+qx::PropertyValue valueFromText(std::string_view type, const std::string& text);
 
 // A string is its text; true or false; data as hexadecimal digits; dates as in RFC 3339; numbers as
 // decimal text; containers as JSON.
-std::string settingText(const qx::PropertyValue& value);
+std::string valueText(const qx::PropertyValue& value);
 
 // JSON in one line; what JSON has no form for (dates, data, numbers that are not finite) stands as
 // the string of its text.
-std::string settingJson(const qx::PropertyValue& value);
+std::string valueJson(const qx::PropertyValue& value);
 
 }  // namespace qxtool

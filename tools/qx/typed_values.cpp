@@ -1,4 +1,4 @@
-#include "tools/qx/prefs_values.h"
+#include "tools/qx/typed_values.h"
 
 #include <algorithm>
 #include <cmath>
@@ -84,12 +84,12 @@ qx::PropertyValue dataFrom(const std::string& text) {
 
 qx::PropertyValue jsonFrom(const std::string& text) { return valueFromJson(text); }
 
-struct SettingType {
+struct ValueType {
   std::string_view name;
   qx::PropertyValue (*read)(const std::string& text);
 };
 
-constexpr SettingType kTypes[] = {
+constexpr ValueType kTypes[] = {
     {"string", &stringFrom}, {"int", &integerFrom}, {"float", &floatFrom}, {"double", &doubleFrom},
     {"bool", &boolFrom},     {"date", &dateFrom},   {"data", &dataFrom},   {"json", &jsonFrom}};
 
@@ -135,11 +135,11 @@ qx::PropertyValue withForeignAsText(const qx::PropertyValue& value) {
 
 }  // namespace
 
-qx::PropertyValue settingFromText(std::string_view type, const std::string& text) {
+qx::PropertyValue valueFromText(std::string_view type, const std::string& text) {
   const auto* found = std::find_if(std::begin(kTypes), std::end(kTypes),
-                                   [&](const SettingType& t) { return t.name == type; });
+                                   [&](const ValueType& t) { return t.name == type; });
   if (found == std::end(kTypes)) {
-    throw Failure(std::string("--type takes ") + kSettingTypes + ", not " + std::string(type));
+    throw Failure(std::string("--type takes ") + kValueTypes + ", not " + std::string(type));
   }
   try {
     return found->read(text);
@@ -150,13 +150,13 @@ qx::PropertyValue settingFromText(std::string_view type, const std::string& text
   }
 }
 
-std::string settingText(const qx::PropertyValue& value) {
+std::string valueText(const qx::PropertyValue& value) {
   if (const auto* string = value.peek<qx::String>()) return string->utf8();
   if (auto text = foreignText(value)) return *std::move(text);
-  return settingJson(value);
+  return valueJson(value);
 }
 
-std::string settingJson(const qx::PropertyValue& value) {
+std::string valueJson(const qx::PropertyValue& value) {
   std::string text;
   appendJson(text, withForeignAsText(value));
   return text;
