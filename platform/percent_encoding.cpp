@@ -1,5 +1,7 @@
 #include "platform/percent_encoding.h"
 
+#include <algorithm>
+
 namespace qx::detail {
 namespace {
 
@@ -45,8 +47,11 @@ void appendPercentEncoded(std::string& out, std::string_view bytes,
 }
 
 std::string percentDecoded(std::string_view text) {
+  const std::size_t plain = std::min(text.find('%'), text.size());
   std::string bytes;
   bytes.reserve(text.size());
+  bytes.append(text.substr(0, plain));
+  text.remove_prefix(plain);
   while (!text.empty()) bytes += takeDecoded(text);
   return bytes;
 }

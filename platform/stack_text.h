@@ -6,15 +6,17 @@
 #include <cstring>
 #include <memory>
 #include <string_view>
+#include <utility>
 
 namespace qx::detail {
 
-// Room is taken first and filled then.
-class StackText {
+// Room is taken first and filled then. The first `kOnStack` bytes are the object's own.
+template <std::size_t kOnStack>
+class BasicStackText {
  public:
-  StackText() = default;
-  StackText(const StackText&) = delete;
-  StackText& operator=(const StackText&) = delete;
+  BasicStackText() = default;
+  BasicStackText(const BasicStackText&) = delete;
+  BasicStackText& operator=(const BasicStackText&) = delete;
 
   // At least `count` bytes to write to; `commit` takes those that were written.
   char* room(std::size_t count) {
@@ -33,8 +35,6 @@ class StackText {
   std::string_view view() const { return {bytes_, size_}; }
 
  private:
-  static constexpr std::size_t kOnStack = 512;
-
   // More than the addressable memory can not be asked for: operator new refuses it.
   void grow(std::size_t count) {
     const std::size_t capacity = (size_ + count) * 2;
@@ -51,5 +51,6 @@ class StackText {
   std::size_t size_ = 0;
   std::size_t capacity_ = kOnStack;
 };
+using StackText = BasicStackText<512>;
 
 }  // namespace qx::detail
