@@ -9,7 +9,7 @@
 
 #include <QXFoundation/QXFoundation.h>
 
-#include "bench/collections_support.h"
+#include "bench/ways.h"
 
 namespace bench {
 namespace {
@@ -27,7 +27,7 @@ qx::Ref<qx::Array> numbers(std::size_t count) {
   return qx::Array::from(all->begin(), all->count());
 }
 
-bool isKept(const PropertyValue& v) { return (v.object()->hash() & 1) != 0; }
+const auto isKept = [](const PropertyValue& v) { return (v.object()->hash() & 1) != 0; };
 
 void map(benchmark::State& state) {
   const auto count = static_cast<std::size_t>(state.range(0));

@@ -8,7 +8,7 @@
 
 #include <QXFoundation/QXFoundation.h>
 
-#include "bench/collections_support.h"
+#include "bench/ways.h"
 
 #ifdef QX_BENCH_QT
 #include <QString>

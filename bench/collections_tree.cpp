@@ -2,7 +2,7 @@
 
 #include <QXFoundation/QXFoundation.h>
 
-#include "bench/collections_support.h"
+#include "bench/ways.h"
 
 namespace bench {
 namespace {

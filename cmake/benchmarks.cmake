@@ -56,7 +56,24 @@ if(TARGET bench_property_list)
   endif()
 endif()
 
+# Boost.URL came with a Boost whose package excludes that of the Boost the library is built with. Both
+# can only stand side by side where one is unpacked in a folder of its own.
+set(QX_BENCH_BOOST_URL_ROOT ${PROJECT_SOURCE_DIR}/build/peers/boost-url CACHE PATH
+    "Where scripts/unpack-boost-url.sh has unpacked Boost.URL")
+find_library(QX_BENCH_BOOST_URL_LIBRARY NAMES libboost_url.a NO_DEFAULT_PATH
+             PATHS ${QX_BENCH_BOOST_URL_ROOT}/usr/lib PATH_SUFFIXES ${CMAKE_LIBRARY_ARCHITECTURE})
+if(QX_BENCH_BOOST_URL_LIBRARY)
+  add_library(qxfoundation_bench_boost_url STATIC IMPORTED)
+  set_target_properties(qxfoundation_bench_boost_url PROPERTIES
+    IMPORTED_LOCATION ${QX_BENCH_BOOST_URL_LIBRARY}
+    INTERFACE_INCLUDE_DIRECTORIES ${QX_BENCH_BOOST_URL_ROOT}/usr/include)
+endif()
+qxfoundation_bench_peer(files_url_query QX_BENCH_BOOST_URL qxfoundation_bench_boost_url
+                        "libboost-url1.81-dev (scripts/unpack-boost-url.sh)")
+
 find_package(Qt6 QUIET COMPONENTS Core)
+qxfoundation_bench_peer(files_locks QX_BENCH_QT Qt6::Core qt6-base-dev)
+qxfoundation_bench_peer(files_url_query QX_BENCH_QT Qt6::Core qt6-base-dev)
 pkg_check_modules(QXFOUNDATION_BENCH_LIBUV QUIET IMPORTED_TARGET libuv)
 qxfoundation_bench_peer(thread_messages QX_BENCH_QT Qt6::Core qt6-base-dev)
 qxfoundation_bench_peer(thread_messages QX_BENCH_GLIB PkgConfig::QXFOUNDATION_BENCH_GLIB libglib2.0-dev)

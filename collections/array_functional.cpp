@@ -1,7 +1,5 @@
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
-#include <limits>
 #include <memory>
 #include <vector>
 
@@ -12,39 +10,56 @@
 
 namespace qx::detail {
 
+namespace {
+
+constexpr std::size_t kFirstRoom = 16;
+
+// Values are words that may be moved as bytes.
+void moveValues(PropertyValue* to, const PropertyValue* from, std::size_t count) {
+  if (count != 0) std::memcpy(static_cast<void*>(to), from, count * sizeof(PropertyValue));
+}
+
+}  // namespace
+
 ArrayGatherer::ArrayGatherer(std::size_t expected) {
   if (expected == 0) return;
-  values_ = static_cast<PropertyValue*>(std::malloc(expected * sizeof(PropertyValue)));
-  if (values_ == nullptr) throw std::bad_alloc();
+  room_ = ArrayStorage::allocateRoom(expected);
+  values_ = ArrayStorage::values(*room_);
   capacity_ = expected;
 }
 
-ArrayGatherer::~ArrayGatherer() {
-  std::destroy_n(values_, count_);
-  std::free(values_);
+ArrayGatherer::~ArrayGatherer() { std::destroy_n(values_, count_); }
+
+void ArrayGatherer::grow(std::size_t least) {
+  const std::size_t capacity = std::max({capacity_ * 2, least, kFirstRoom});
+  Ref<Array> grown = ArrayStorage::allocateRoom(capacity);
+  moveValues(ArrayStorage::values(*grown), values_, count_);
+  room_ = std::move(grown);
+  values_ = ArrayStorage::values(*room_);
+  capacity_ = capacity;
 }
 
-// Values are words that may be moved as bytes.
-void ArrayGatherer::grow() {
-  const std::size_t capacity = std::max<std::size_t>(capacity_ * 2, 16);
-  void* grown = capacity > std::numeric_limits<std::size_t>::max() / sizeof(PropertyValue)
-                    ? nullptr
-                    : std::realloc(static_cast<void*>(values_), capacity * sizeof(PropertyValue));
-  if (grown == nullptr) throw std::bad_alloc();
-  values_ = static_cast<PropertyValue*>(grown);
-  capacity_ = capacity;
+void ArrayGatherer::addPicked(const PropertyValue* const* places, std::size_t count) {
+  if (capacity_ - count_ < count) grow(count_ + count);
+  for (std::size_t i = 0; i < count; ++i) {
+    ::new (static_cast<void*>(values_ + count_ + i)) PropertyValue(*places[i]);
+  }
+  count_ += count;
 }
 
 void ArrayGatherer::refuseNil() { raiseNilStored("-[NSMutableArray addObject:]"); }
 
+// What was gathered stays where it is, unless that would waste more than an eighth.
 Ref<Array> ArrayGatherer::array() {
-  Ref<Array> made = ArrayStorage::allocate(count_);
-  if (count_ != 0) {
-    std::memcpy(static_cast<void*>(ArrayStorage::values(*made)), values_,
-                count_ * sizeof(PropertyValue));
+  if (room_ == nullptr || capacity_ - count_ > count_ / 8) {
+    Ref<Array> exact = ArrayStorage::allocateRoom(count_);
+    moveValues(ArrayStorage::values(*exact), values_, count_);
+    room_ = std::move(exact);
   }
-  count_ = 0;
-  return made;
+  ArrayStorage::setCount(*room_, count_);
+  values_ = nullptr;
+  count_ = capacity_ = 0;
+  return std::move(room_);
 }
 
 Ref<Array> steadyArray(const Array& array) { return ArrayStorage::steady(array); }

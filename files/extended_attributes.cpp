@@ -111,10 +111,11 @@ PropertyValue valueOfExtendedAttributeWithName(In<URL> url, StringArg name, Ref<
   if (!url) return nullptr;
   requireFileURL(*url, kValueOf);
   requireName(name, kValueOf);
-  const auto bytes = dataForExtendedAttribute(url, name, error);
-  if (bytes == nullptr) return nullptr;
-  return PropertyListSerialization::propertyListWithData(bytes, PropertyListMutability::immutable,
-                                                         nullptr, error);
+  const NameBytes stored(name);
+  detail::AttributeBytes bytes;
+  const int code = detail::readAttribute(url->fileSystemRepresentation(), stored.view(), bytes);
+  if (!succeeded(code, *url, name, error)) return nullptr;
+  return detail::readPropertyList(bytes.view(), PropertyListMutability::immutable, nullptr, error);
 }
 
 // One value needs no dictionary to hold it; the result is what setExtendedAttributes gives.

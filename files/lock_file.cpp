@@ -1,3 +1,5 @@
+#include <cerrno>
+
 #include <QXFoundation/directories.h>
 #include <QXFoundation/exception.h>
 #include <QXFoundation/lock_file.h>
@@ -14,13 +16,33 @@ namespace {
 // anyway, and the lock is the entry beside the file.
 constexpr detail::AtomicWrite kLockFile{.durable = false, .following = false};
 
-// Writes this process's record, making the folders above where they are missing. Nil on failure.
-Ref<Dictionary> writeLock(In<FileManager> files, const std::string& lockPath, Ref<Error>* error) {
+// Puts the file where nothing is, without renaming one; EEXIST where something is. A record that
+// may not be whole is taken away again.
+int putNewLock(const std::string& lockPath, std::string_view bytes) {
+  detail::OpenFile file;
+  int code = detail::publishFile(lockPath, bytes, false, file);
+  if (code != 0) return code;
+  code = file.close();
+  if (code != 0) detail::fileCalls().unlink(lockPath.c_str());
+  return code;
+}
+
+// Of two who find nothing there the last one's record stays, too.
+int putLock(const std::string& lockPath, std::string_view bytes, bool replacing) {
+  const int code = replacing ? EEXIST : putNewLock(lockPath, bytes);
+  return code == EEXIST ? detail::replaceFile(lockPath, bytes, kLockFile) : code;
+}
+
+// Writes this process's record. The folders above are there as a rule, and are looked at only where
+// the record could not be written. Nil on failure, without an error where there are no folders.
+Ref<Dictionary> writeLock(In<FileManager> files, const std::string& lockPath, bool replacing,
+                          Ref<Error>* error) {
   auto record = detail::ownLockRecord();
-  if (!createPathToFile(files, lockPath, nullptr)) return nullptr;
   std::string bytes;
-  if (!detail::lockFileBytes(*record, bytes)) return nullptr;
-  if (const int code = detail::replaceFile(lockPath, bytes, kLockFile)) {
+  const bool isWritable = detail::lockFileBytes(*record, bytes);
+  if (isWritable && putLock(lockPath, bytes, replacing) == 0) return record;
+  if (!createPathToFile(files, lockPath, nullptr) || !isWritable) return nullptr;
+  if (const int code = putLock(lockPath, bytes, replacing)) {
     detail::fill(error, Error::posixError(code));
     return nullptr;
   }
@@ -53,12 +75,14 @@ Ref<Dictionary> lockFileAtPath(In<FileManager> files, StringArg path, bool overr
     detail::raiseNil("-[NSFileManager lockFileAtPath:overridingExistingLock:created:error:]");
   }
   const std::string lockPath = detail::lockPathOf(path);
+  bool isThere = overridingExistingLock;
   if (!overridingExistingLock && files->fileExistsAtPath(lockPath)) {
+    isThere = true;
     auto record = detail::readLockFile(lockPath);
     if (record == nullptr) return Dictionary::init();
     if (holderOfLockRecord(record) != LockHolder::gone) return record;
   }
-  auto record = writeLock(files, lockPath, error);
+  auto record = writeLock(files, lockPath, isThere, error);
   created = record != nullptr;
   return record;
 }
@@ -68,10 +92,10 @@ void unlockFileAtPath(In<FileManager> files, StringArg path) {
   if (path.isNil()) detail::raiseNil("-[NSFileManager unlockFileAtPath:]");
   const std::string lockPath = detail::lockPathOf(path);
   const std::string failed = "Error unlocking file at " + detail::pathBytes(path);
-  if (!files->fileExistsAtPath(lockPath)) {
+  const auto record = detail::readLockFile(lockPath);
+  if (record == nullptr && !files->fileExistsAtPath(lockPath)) {
     throw InternalInconsistencyException(failed + ": lock file " + lockPath + " does not exist");
   }
-  const auto record = detail::readLockFile(lockPath);
   if (record == nullptr) {
     throw InternalInconsistencyException(failed + ": couldn't read lock file " + lockPath);
   }

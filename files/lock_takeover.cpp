@@ -52,20 +52,36 @@ bool existsAt(const std::string& path) {
   return fileCalls().lstat(path.c_str(), &about) == 0;
 }
 
+void pause() {
+  const timespec time{0, 50'000};
+  ::nanosleep(&time, nullptr);
+}
+
 enum class Turn : unsigned char { done, again, wait };
 
-// One attempt to get a lock; what came of it is in `attempt` when it is done.
+// One who asks for a lock. A turn is done when what came of it is in `attempt`.
 class Asker {
  public:
   explicit Asker(const std::string& path) : path_(path), record_(ownLockRecord()) {}
 
   bool prepare() { return lockFileBytes(*record_, bytes_); }
 
+  LockAttempt ask() {
+    LockAttempt attempt;
+    for (int turns = 0; turns < kMostTurns; ++turns) {
+      const Turn came = turn(attempt);
+      if (came == Turn::done) return attempt;
+      if (came == Turn::wait) pause();
+    }
+    attempt.error = EAGAIN;
+    return attempt;
+  }
+
+ private:
   Turn turn(LockAttempt& attempt) {
     return existsAt(path_) ? takeOver(attempt) : publish(attempt, false);
   }
 
- private:
   Turn publish(LockAttempt& attempt, bool replacing) {
     const int error = publishFile(path_, bytes_, replacing, attempt.file);
     if (error == EEXIST) return Turn::again;
@@ -101,29 +117,20 @@ class Asker {
   std::string bytes_;
 };
 
-void pause() {
-  const timespec time{0, 50'000};
-  ::nanosleep(&time, nullptr);
-}
-
 }  // namespace
 
+// The folders above are there as a rule, and are made only where the lock finds none.
 LockAttempt attemptLock(const std::string& lockPath) {
-  LockAttempt attempt;
-  attempt.error = makeFolders(folderOf(lockPath), kNewFolder);
-  if (attempt.error != 0) return attempt;
+  LockAttempt failed;
   Asker asker(lockPath);
   if (!asker.prepare()) {
-    attempt.error = EINVAL;
-    return attempt;
+    failed.error = EINVAL;
+    return failed;
   }
-  for (int turns = 0; turns < kMostTurns; ++turns) {
-    const Turn turn = asker.turn(attempt);
-    if (turn == Turn::done) return attempt;
-    if (turn == Turn::wait) pause();
-  }
-  attempt.error = EAGAIN;
-  return attempt;
+  LockAttempt attempt = asker.ask();
+  if (attempt.error != ENOENT) return attempt;
+  failed.error = makeFolders(folderOf(lockPath), kNewFolder);
+  return failed.error != 0 ? std::move(failed) : asker.ask();
 }
 
 int removeLock(const std::string& lockPath, const OpenFile& file) {

@@ -33,17 +33,22 @@ Array::~Array() {
   if (!ArrayStorage::isMutable(*this)) std::destroy_n(ArrayStorage::values(*this), count_);
 }
 
-Ref<Array> ArrayStorage::allocate(std::size_t count) {
+Ref<Array> ArrayStorage::allocateRoom(std::size_t capacity) {
   static const std::uint16_t index = classIndexOf(classOf<Array>());
   static_assert(sizeof(Made<Array>) == sizeof(Array));
-  if (count > (std::numeric_limits<std::size_t>::max() / 2) / sizeof(PropertyValue))
+  if (capacity > (std::numeric_limits<std::size_t>::max() / 2) / sizeof(PropertyValue))
     raiseTooLong("an array");
-  void* memory = ::operator new(sizeof(Made<Array>) + count * sizeof(PropertyValue));
+  void* memory = ::operator new(sizeof(Made<Array>) + capacity * sizeof(PropertyValue));
   auto* a = ::new (memory) Made<Array>(Passkey{});
   ObjectAccess::setClass(*a, index, 0);
-  std::uninitialized_default_construct_n(ArrayStorage::values(*a), count);
-  static_cast<Array*>(a)->count_ = count;
   return Ref<Array>::adopt(a);
+}
+
+Ref<Array> ArrayStorage::allocate(std::size_t count) {
+  Ref<Array> a = allocateRoom(count);
+  std::uninitialized_default_construct_n(values(*a), count);
+  setCount(*a, count);
+  return a;
 }
 
 Ref<Array> Array::from(const PropertyValue* first, std::size_t count) {

@@ -30,6 +30,10 @@ struct ArrayStorage {
   // An immutable array whose elements are nil until the caller has filled every one of them, before
   // anyone else sees it.
   static Ref<Array> allocate(std::size_t count);
+  // An immutable array without elements that has room for so many, before anyone else sees it.
+  // Whoever puts values there says how many, once.
+  static Ref<Array> allocateRoom(std::size_t capacity);
+  static void setCount(Array& a, std::size_t count) { a.count_ = count; }
 
   // Adds values[picks[0]], values[picks[1]] ... to an array of exactly the class MutableArray,
   // whose primitives nobody overrides.

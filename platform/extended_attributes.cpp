@@ -48,18 +48,21 @@ class StoredName {
   int error_ = 0;
 };
 
+// Reads at most so many bytes; the size, or -1.
+ssize_t readInto(AttributeBytes& bytes, const char* path, const char* name, std::size_t most) {
+  char* room = bytes.room(most);
+  const ssize_t got = attributeCalls().lgetxattr(path, name, room, most);
+  if (got > 0) bytes.commit(room + got);
+  return got;
+}
+
 // Values grow between the question for their size and the reading of them, when others write.
-int readLarge(const char* path, const char* name, Ref<Data>& value) {
-  std::string bytes;
+int readLarge(const char* path, const char* name, AttributeBytes& bytes) {
   for (;;) {
     const ssize_t size = attributeCalls().lgetxattr(path, name, nullptr, 0);
     if (size < 0) return errno;
-    bytes.resize(static_cast<std::size_t>(size) + 1);  // a size of 0 would be a question again
-    const ssize_t got = attributeCalls().lgetxattr(path, name, bytes.data(), bytes.size());
-    if (got >= 0) {
-      value = Data::from(std::string_view(bytes).substr(0, static_cast<std::size_t>(got)));
-      return 0;
-    }
+    // A size of 0 would be a question again.
+    if (readInto(bytes, path, name, static_cast<std::size_t>(size) + 1) >= 0) return 0;
     if (errno != ERANGE) return errno;
   }
 }
@@ -70,14 +73,18 @@ bool isAbsent(const std::string& path, const char* name) {
 
 }  // namespace
 
-int readAttribute(const std::string& path, std::string_view name, Ref<Data>& value) {
+int readAttribute(const std::string& path, std::string_view name, AttributeBytes& bytes) {
   const StoredName stored(name);
   if (const int error = stored.error(path)) return error;
-  char bytes[kUsualSize];
-  const ssize_t got = attributeCalls().lgetxattr(path.c_str(), stored.text(), bytes, sizeof bytes);
-  if (got < 0) return errno == ERANGE ? readLarge(path.c_str(), stored.text(), value) : errno;
-  value = Data::from({bytes, static_cast<std::size_t>(got)});
-  return 0;
+  if (readInto(bytes, path.c_str(), stored.text(), kUsualSize) >= 0) return 0;
+  return errno == ERANGE ? readLarge(path.c_str(), stored.text(), bytes) : errno;
+}
+
+int readAttribute(const std::string& path, std::string_view name, Ref<Data>& value) {
+  AttributeBytes bytes;
+  const int error = readAttribute(path, name, bytes);
+  if (error == 0) value = Data::from(bytes.view());
+  return error;
 }
 
 int writeAttribute(const std::string& path, std::string_view name, std::string_view value) {

@@ -19,8 +19,16 @@
 
 #include <QXFoundation/data.h>
 
+#include "platform/stack_text.h"
+
 namespace qx::detail {
 
+// The bytes of an attribute as it is read: few ones take no memory but the stack's.
+using AttributeBytes = BasicStackText<4096>;
+
+// `bytes` is empty before.
+[[nodiscard]] int readAttribute(const std::string& path, std::string_view name,
+                                AttributeBytes& bytes);
 [[nodiscard]] int readAttribute(const std::string& path, std::string_view name, Ref<Data>& value);
 [[nodiscard]] int writeAttribute(const std::string& path, std::string_view name,
                                  std::string_view value);

@@ -1,5 +1,7 @@
 #include "platform/percent_encoding.h"
 
+#include <algorithm>
+
 namespace qx::detail {
 namespace {
 
@@ -22,23 +24,34 @@ char takeDecoded(std::string_view& text) {
 
 }  // namespace
 
-void appendPercentEncoded(std::string& out, std::string_view bytes,
-                          const UnencodedBytes& unencoded) {
+char* writePercentEncoded(char* out, std::string_view bytes, const UnencodedBytes& unencoded) {
   for (const char c : bytes) {
     if (unencoded.holds(c)) {
-      out += c;
+      *out++ = c;
       continue;
     }
     const auto byte = static_cast<unsigned char>(c);
-    out += '%';
-    out += kDigits[byte >> 4];
-    out += kDigits[byte & 15];
+    *out++ = '%';
+    *out++ = kDigits[byte >> 4];
+    *out++ = kDigits[byte & 15];
   }
+  return out;
+}
+
+void appendPercentEncoded(std::string& out, std::string_view bytes,
+                          const UnencodedBytes& unencoded) {
+  const std::size_t before = out.size();
+  out.resize(before + 3 * bytes.size());
+  const char* end = writePercentEncoded(out.data() + before, bytes, unencoded);
+  out.resize(static_cast<std::size_t>(end - out.data()));
 }
 
 std::string percentDecoded(std::string_view text) {
+  const std::size_t plain = std::min(text.find('%'), text.size());
   std::string bytes;
   bytes.reserve(text.size());
+  bytes.append(text.substr(0, plain));
+  text.remove_prefix(plain);
   while (!text.empty()) bytes += takeDecoded(text);
   return bytes;
 }

@@ -32,7 +32,11 @@ class UnencodedBytes {
 inline constexpr UnencodedBytes kPathBytes("!$&'()*+,;=:@/");
 inline constexpr UnencodedBytes kQueryItemBytes("!$'()*,;:@/?");
 
-// Appends the bytes, others than those as "%XX".
+// Writes the bytes, others than those as "%XX", and gives the place behind them. Precondition:
+// there is room for three times as many.
+char* writePercentEncoded(char* out, std::string_view bytes, const UnencodedBytes& unencoded);
+
+// The same, at the end of a text.
 void appendPercentEncoded(std::string& out, std::string_view bytes,
                           const UnencodedBytes& unencoded);
 

@@ -10,6 +10,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 if [ "${1:-}" = --install ]; then
   shift
   scripts/install-deps.sh bench
+  scripts/unpack-boost-url.sh
 fi
 scripts/prepare.sh
 # Benchmarks are left out of a tree that was configured before Google Benchmark was there.

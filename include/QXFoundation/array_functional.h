@@ -17,6 +17,7 @@
 // the block pass through. A nil array gives nil or false and calls nothing.
 #pragma once
 
+#include <algorithm>
 #include <concepts>
 #include <cstddef>
 #include <new>
@@ -105,16 +106,19 @@ class QX_EXPORT ArrayGatherer {
     if (value.isNil()) [[unlikely]]
       refuseNil();
     if (count_ == capacity_) [[unlikely]]
-      grow();
+      grow(count_ + 1);
     ::new (static_cast<void*>(values_ + count_)) PropertyValue(std::move(value));
     ++count_;
   }
+  // Adds the values that stand at these places, none of which is nil.
+  void addPicked(const PropertyValue* const* places, std::size_t count);
   // The immutable array; the gatherer is empty afterwards.
   Ref<Array> array();
 
  private:
   [[noreturn]] static void refuseNil();
-  void grow();
+  void grow(std::size_t least);
+  Ref<Array> room_;  // behind which the values are put; it does not count them before the end
   PropertyValue* values_ = nullptr;
   std::size_t count_ = 0;
   std::size_t capacity_ = 0;
@@ -133,7 +137,29 @@ void enumerate(const Array& array, Visit&& visit) {
   for (std::size_t i = 0; i < count && !stop; ++i) visit(values[i], i, stop);
 }
 
-// The same over the elements of a class, without index and flag.
+// The elements that a predicate takes. Their places are written down without a jump, whether they
+// are taken or not, as such jumps can not be foreseen; what is taken is retained afterwards.
+template <class F>
+Ref<Array> pick(const Array& array, F& predicate) {
+  constexpr std::size_t kAtOnce = 128;
+  const Ref<Array> held = steadyArray(array);
+  const PropertyValue* values = held->begin();
+  const std::size_t count = held->count();
+  ArrayGatherer result(0);
+  bool stop = false;
+  for (std::size_t i = 0; i < count && !stop;) {
+    const PropertyValue* places[kAtOnce];
+    std::size_t picked = 0;
+    for (const std::size_t end = std::min(count, i + kAtOnce); i < end && !stop; ++i) {
+      places[picked] = values + i;
+      picked += static_cast<std::size_t>(isYes(callBlock(predicate, values[i], i, stop)));
+    }
+    result.addPicked(places, picked);
+  }
+  return result.array();
+}
+
+// Calls visit(element) for the elements of a class until it gives false.
 template <class Visit>
 void enumerate(const Array& array, const Class& cls, Visit&& visit) {
   const Ref<Array> held = steadyArray(array);
@@ -221,11 +247,7 @@ template <detail::Transform F>
 template <detail::Predicate F>
 [[nodiscard]] Ref<Array> qxFilter(In<Array> array, F&& predicate) {
   if (!array) return nullptr;
-  detail::ArrayGatherer result(array->count());
-  detail::enumerate(*array, [&](const PropertyValue& e, std::size_t index, bool& stop) {
-    if (detail::isYes(detail::callBlock(predicate, e, index, stop))) result.add(e);
-  });
-  return result.array();
+  return detail::pick(*array, predicate);
 }
 template <detail::Predicate F>
   requires detail::PlainBlock<F>

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <QXFoundation/array_functional.h>
+#include <QXFoundation/exception.h>
 
 #include "tests/collections/sample_objects.h"
 
@@ -200,6 +201,52 @@ TEST(ArrayFunctional, BlocksMayTakeIndexAndStopFlag) {
     stop = index == 2;
   });
   EXPECT_EQ(seen, "a0b1c2");
+}
+
+TEST(ArrayFunctional, FilterKeepsTheSameOfAnyCount) {
+  for (const std::size_t count : {1U, 15U, 16U, 17U, 127U, 128U, 129U, 300U, 1000U}) {
+    const auto all = qx::MutableArray::init();
+    for (std::size_t i = 0; i < count; ++i) all->addObject("name " + std::to_string(i));
+    for (const std::size_t every : {1U, 2U, 7U, 128U, 5000U}) {
+      for (const std::size_t end : {std::size_t{0}, count / 2, count}) {
+        std::vector<PropertyValue> expected;
+        for (std::size_t i = 0; i <= end && i < count; ++i) {
+          if (i % every == 0) expected.push_back(all->objectAtIndex(i));
+        }
+        const auto kept = qxFilter(all, [&](Value, std::size_t index, bool& stop) {
+          stop = index == end;
+          return index % every == 0;
+        });
+        EXPECT_TRUE(PropertyValue(kept) == qx::Array::from(expected.data(), expected.size()))
+            << count << " " << every << " " << end;
+      }
+    }
+  }
+}
+
+TEST(ArrayFunctional, FilterThatRaisesLeavesElementsAsTheyWere) {
+  const auto all = qx::MutableArray::init();
+  for (int i = 0; i < 200; ++i) all->addObject("name " + std::to_string(i));
+  const auto last = all->lastObject();
+  const auto raises = [&](Value e) -> bool {
+    if (e == last) throw qx::GenericException("stop");
+    return true;
+  };
+  for (int i = 0; i < 3; ++i) EXPECT_THROW((void)qxFilter(all, raises), qx::GenericException);
+  EXPECT_EQ(all->objectAtIndex(7), "name 7");
+  EXPECT_EQ(qxFilter(all, [](Value) { return true; })->count(), 200U);
+}
+
+TEST(ArrayFunctional, MapThatStopsGivesWhatItHas) {
+  const auto all = qx::MutableArray::init();
+  for (int i = 0; i < 100; ++i) all->addObject("name " + std::to_string(i));
+  for (const std::size_t last : {0U, 1U, 88U, 89U, 98U, 99U}) {
+    const auto mapped = qxMap(all, [&](Value e, std::size_t index, bool& stop) {
+      stop = index == last;
+      return e;
+    });
+    EXPECT_TRUE(PropertyValue(mapped) == qx::Array::from(all->begin(), last + 1)) << last;
+  }
 }
 
 TEST(ArrayFunctional, StoppingWithinAnArrayEndsThatArrayAlone) {

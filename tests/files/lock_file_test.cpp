@@ -250,7 +250,7 @@ TEST(LockFile, BelowAFileCanNotBeMadeAndFillsNoError) {
 
 TEST(LockFile, ThatCanNotBeWrittenFillsTheError) {
   const TemporaryFolder folder;
-  for (const char* call : {"write", "rename", "open"}) {
+  for (const char* call : {"write", "linkDescriptor", "close", "open"}) {
     test_support::FailingFileCalls calls(call, 0, ENOSPC);
     const detail::ReplacedFileCalls replaced(calls);
     bool created = true;

@@ -1,6 +1,6 @@
 #pragma once
 
-// What the benchmarks of collections share: ways to do one thing, timed in turns.
+// Ways to do one thing, timed in turns.
 
 #include <benchmark/benchmark.h>
 
