@@ -25,7 +25,7 @@ bool isUnused(const Carrier& c) {
          ObjectAccess::refs(*c.list).load(std::memory_order_acquire) == 2 * ObjectAccess::kOne &&
          ObjectAccess::refs(*c.data).load(std::memory_order_acquire) == 2 * ObjectAccess::kOne &&
          c.data->length() == kAddressSize && c.list->count() == 1 &&
-         isSame(*c.list->begin(), c.data);
+         c.list->begin()->object() == c.data.get();
 }
 
 Carrier newCarrier(const Ref<Port>& port) {

@@ -1,7 +1,5 @@
 #include "platform/port_state.h"
 
-#include <algorithm>
-
 #include "platform/loop_signal.h"
 
 namespace qx::detail {
@@ -31,10 +29,6 @@ bool PortState::send(Letter& letter) noexcept {
   if (signal == nullptr || announced.exchange(true, std::memory_order_seq_cst)) return true;
   signal->announce(*this);
   return true;
-}
-
-bool PortState::isScheduledIn(const LoopMode& mode) const {
-  return std::find(modes.begin(), modes.end(), &mode) != modes.end();
 }
 
 // Who comes later than the announcement that is still on its way does not announce the port again.

@@ -45,7 +45,12 @@ struct PortState : ReadyLink, ScheduledLink {
   bool send(Letter& letter) noexcept;
 
   // ---- the loop's thread
-  bool isScheduledIn(const LoopMode& mode) const;
+  bool isScheduledIn(const LoopMode& mode) const {
+    for (const LoopMode* m : modes) {
+      if (m == &mode) return true;
+    }
+    return false;
+  }
   // Letters may wait: in `taken`, or, as far as the loop knows, in the inbox.
   bool hasLetters() const { return taken != nullptr || mail; }
   // The announcement of letters has arrived.
