@@ -101,6 +101,9 @@ bool responds(const ClassRecord& record, Selector selector);
 const Property* accessedProperty(const ClassRecord& record, Selector selector);
 
 const Class& classAtIndex(std::uint16_t index);
+// Below are the root class, which is also what objects have whose class is not set yet, and the
+// class of class objects.
+inline constexpr std::uint16_t kFirstDescribedClass = 2;
 // The class of the null object.
 const Class& nullClass();
 

@@ -54,11 +54,10 @@ struct Registry {
   std::mutex mutex;  // for what follows
   std::unordered_map<TypeKey, const Class*, TypeHash> byType;
   std::unordered_map<std::string_view, const Class*> byName;
-  std::uint16_t next = kFirstFreeIndex;
+  std::uint16_t next = kFirstDescribedClass;
 
   static constexpr std::uint16_t kRootIndex = 0;
   static constexpr std::uint16_t kClassIndex = 1;
-  static constexpr std::uint16_t kFirstFreeIndex = 2;
 
   void publish(std::uint16_t index, const Class* c) {
     std::atomic<Chunk*>& chunk = chunks[index / kChunk];

@@ -1,6 +1,8 @@
 #include "platform/delivery.h"
 
+#include <cstring>
 #include <memory>
+#include <string>
 #include <utility>
 
 #include "frame/raise.h"
@@ -15,17 +17,20 @@ bool isOnlyOurs(const Object& object) {
   return (refs & ~ObjectAccess::kWatched) == ObjectAccess::kOne;
 }
 
+constexpr std::size_t kAddressSize = sizeof(void*);
+
 // Whether the message and all in it are as they were made, and nobody has kept any of them.
 bool isUnused(const Carrier& c) {
   return isOnlyOurs(*c.message) &&
          ObjectAccess::refs(*c.list).load(std::memory_order_acquire) == 2 * ObjectAccess::kOne &&
          ObjectAccess::refs(*c.data).load(std::memory_order_acquire) == 2 * ObjectAccess::kOne &&
-         c.list->count() == 1 && isSame(*c.list->begin(), c.data);
+         c.data->length() == kAddressSize && c.list->count() == 1 &&
+         c.list->begin()->object() == c.data.get();
 }
 
 Carrier newCarrier(const Ref<Port>& port) {
   Carrier c;
-  c.data = MutableData::init();
+  c.data = MutableData::from(std::string(kAddressSize, char{0}));
   c.list = MutableArray::arrayWithCapacity(1);
   c.list->addObject(c.data);
   c.message = PortMessage::initWithSendPort(port, nullptr, c.list);
@@ -36,13 +41,15 @@ Carrier newCarrier(const Ref<Port>& port) {
 
 // The port's carrier is ours while we deliver: a nested delivery makes one of its own. Only then
 // does it refer to the port, which would keep itself alive otherwise.
-Delivery::Delivery(PortState& port) : port_(&port.port), state_(port) {
+Delivery::Delivery(PortState& port) : port_(&port.port), state_(port), outer_(port.delivery) {
+  port.delivery = this;
   holdDelegate();
   carrier_ = std::exchange(state_.carrier, {});
   if (carrier_.message != nullptr) carrier_.message->setSendPort(Passkey{}, port_);
 }
 
 Delivery::~Delivery() {
+  state_.delivery = outer_;
   if (carrier_.message == nullptr || !isUnused(carrier_)) return;
   carrier_.message->setSendPort(Passkey{}, nullptr);
   state_.carrier = std::move(carrier_);
@@ -80,7 +87,7 @@ const PortMessage& Delivery::open(Letter& letter) {
 const PortMessage& Delivery::carry(MemoryLetter& letter) {
   if (carrier_.message == nullptr || !isUnused(carrier_)) carrier_ = newCarrier(port_);
   const void* address = letter.contents();
-  carrier_.data->setData({reinterpret_cast<const char*>(&address), sizeof address});
+  std::memcpy(const_cast<unsigned char*>(carrier_.data->bytes()), &address, kAddressSize);
   return *carrier_.message;
 }
 

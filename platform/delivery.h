@@ -21,6 +21,9 @@ class Delivery {
   // Delivers the oldest message, or drops it where there is no delegate. False when none waits.
   // What the delegate raises comes out; the message counts as delivered.
   bool next();
+  // A place for what the delegate wants to hold from one message to the next, which is let go of
+  // with the delivery.
+  PropertyValue& held() { return held_; }
 
  private:
   // The message for a letter; a MessageLetter is freed.
@@ -36,6 +39,13 @@ class Delivery {
   unsigned delegateChanges_ = 0;
   Carrier carrier_;
   Ref<PortMessage> opened_;
+  PropertyValue held_;
+  Delivery* outer_;
 };
+
+// The place of the port's innermost delivery; null when none is under way.
+inline PropertyValue* heldThroughTurn(const PortState& port) {
+  return port.delivery == nullptr ? nullptr : &port.delivery->held();
+}
 
 }  // namespace qx::detail

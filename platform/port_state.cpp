@@ -1,7 +1,5 @@
 #include "platform/port_state.h"
 
-#include <algorithm>
-
 #include "platform/loop_signal.h"
 
 namespace qx::detail {
@@ -33,20 +31,11 @@ bool PortState::send(Letter& letter) noexcept {
   return true;
 }
 
-bool PortState::isScheduledIn(const LoopMode& mode) const {
-  return std::find(modes.begin(), modes.end(), &mode) != modes.end();
-}
-
-// The mark goes before the letters are taken: who comes later announces the port again. It stays
-// while the announcement that it stands for is still on its way, so that the port is never
-// announced twice at once.
+// Who comes later than the announcement that is still on its way does not announce the port again.
 void PortState::collect() noexcept {
   if (!mail) return;
-  mail = false;
-  if (told) {
-    told = false;
-    announced.store(false, std::memory_order_seq_cst);
-  }
+  mail = told;
+  if (inbox.empty()) return;
   Letter* before = taken == nullptr ? nullptr : takenLast;
   Letter* more = inbox.takeAll(takenLast);
   if (before == nullptr) {
@@ -56,17 +45,22 @@ void PortState::collect() noexcept {
   }
 }
 
+// Who sends after the mark is gone announces the port again. A letter that came before, and so was
+// not announced, is found afterwards.
+void PortState::restIfEmpty() noexcept {
+  if (taken != nullptr || !told || !inbox.empty()) return;
+  announced.store(false, std::memory_order_seq_cst);
+  mail = told = false;
+  if (inbox.empty()) return;
+  mail = true;
+  told = !announced.exchange(true, std::memory_order_seq_cst);
+}
+
 Letter* PortState::takeLetter() noexcept {
-  if (taken == nullptr) collect();
   Letter* letter = taken;
   if (letter == nullptr) return nullptr;
   taken = letter->next;
-  if (taken != nullptr) {
-    // For the next time: a letter and what stands behind it lie in two lines, which a sender has
-    // written.
-    __builtin_prefetch(taken);
-    __builtin_prefetch(reinterpret_cast<const char*>(taken) + kCacheLine);
-  }
+  if (taken != nullptr) __builtin_prefetch(taken);  // a line that a sender has written
   return letter;
 }
 

@@ -4,6 +4,7 @@ namespace qx::detail {
 
 void ReadyPorts::clear() {
   modeChanged();
+  waiting_.prependAll(later_);
   while (PortState* port = waiting_.first()) unlist(*port);
 }
 
@@ -20,6 +21,7 @@ void ReadyPorts::unlist(PortState& port) {
 }
 
 void ReadyPorts::collect(const LoopMode& mode) {
+  waiting_.prependAll(later_);
   for (PortState* p = waiting_.first(); p != nullptr; p = waiting_.after(*p)) {
     if (p->isScheduledIn(mode)) p->collect();
   }
@@ -29,27 +31,40 @@ PortState* ReadyPorts::first(const LoopMode& mode) {
   while (PortState* port = waiting_.first()) {
     if (!port->hasLetters() || port->modes.empty()) {
       unlist(*port);
-    } else if (port->isScheduledIn(mode)) {
-      return port;
-    } else {
+    } else if (!port->isScheduledIn(mode)) {
       port->ReadyLink::unlink();
       aside_.append(*port);
+    } else if (port->taken == nullptr) {
+      putOff(*port);
+    } else {
+      return port;
     }
   }
   return nullptr;
 }
 
+void ReadyPorts::putOff(PortState& port) {
+  port.ReadyLink::unlink();
+  later_.append(port);
+}
+
 // It may have been unlisted, and let go of, during its turn.
 void ReadyPorts::endTurn(PortState& port) {
   if (!port.ReadyLink::isLinked()) return;
+  port.restIfEmpty();
   if (!port.hasLetters()) return unlist(port);
+  if (port.taken == nullptr) return putOff(port);
   port.ReadyLink::unlink();
   waiting_.append(port);
 }
 
-bool ReadyPorts::isAnyIn(const LoopMode& mode) const {
+// What was raised in a port's turn may have left it as the last letter did.
+bool ReadyPorts::isAnyIn(const LoopMode& mode) {
+  waiting_.prependAll(later_);
   for (PortState* p = waiting_.first(); p != nullptr; p = waiting_.after(*p)) {
-    if (p->hasLetters() && p->isScheduledIn(mode)) return true;
+    if (!p->isScheduledIn(mode)) continue;
+    p->restIfEmpty();
+    if (p->hasLetters()) return true;
   }
   return false;
 }

@@ -21,19 +21,23 @@ class ReadyPorts {
   void unlist(PortState& port);
   // Empties the inboxes of the ports in the mode.
   void collect(const LoopMode& mode);
-  // The port whose turn it is in the mode; null when there is none.
+  // The port whose turn it is in the mode; null when there is none with collected letters.
   PortState* first(const LoopMode& mode);
   // Ends the port's turn: others come before its next.
   void endTurn(PortState& port);
   // Another mode runs: those that were put aside may have their turn.
   void modeChanged() { waiting_.prependAll(aside_); }
   void clear();
-  bool isAnyIn(const LoopMode& mode) const;
+  // Whether any port of the mode has letters; those that have none any more are left out.
+  bool isAnyIn(const LoopMode& mode);
 
  private:
   using List = LinkList<PortState, ReadyLink>;
+  void putOff(PortState& port);
+
   List waiting_;
   List aside_;
+  List later_;  // what they have was not collected yet
 };
 
 }  // namespace qx::detail

@@ -92,7 +92,7 @@ void RunLoopState::readAnnouncements() {
   if (!signal_->hasAnnouncements()) return;
   for (PortState* port = signal_->takeAnnounced(); port != nullptr;) {
     PortState* next = port->next;
-    port->mail = port->told = true;
+    port->hearAnnouncement();
     ready_.list(*port);
     port->port.release();
     port = next;
@@ -101,8 +101,8 @@ void RunLoopState::readAnnouncements() {
 
 std::size_t RunLoopState::deliver(PortState& port, std::size_t most) {
   const Ref<Port> held(&port.port);
-  Delivery delivery(port);
   std::size_t count = 0;
+  Delivery delivery(port);
   while (count < most && port.isScheduledIn(*running_) && delivery.next()) {
     ++count;
     if (signal_->isStopRequested()) break;

@@ -6,8 +6,10 @@
 #include <QXFoundation/run_loop.h>
 #include <QXFoundation/thread_message.h>
 
+#include "frame/class_record.h"
 #include "frame/library_class.h"
 #include "frame/raise.h"
+#include "platform/delivery.h"
 #include "threads/thread_message_record.h"
 
 namespace qx {
@@ -15,43 +17,44 @@ namespace qx {
 using detail::ThreadMessageMemory;
 using detail::ThreadMessageRecord;
 
-ThreadMessageMemory* detail::allocateThreadMessage() noexcept {
-  return new (std::nothrow) ThreadMessageMemory;
-}
-
-void detail::freeThreadMessage(ThreadMessageRecord* record) noexcept {
-  ::operator delete(reinterpret_cast<unsigned char*>(record) - sizeof(MemoryLetter));
-}
-
 namespace {
 
-// The reference that a record holds. A count that calls without end have raised very far is not
-// raised any further: what they left behind keeps the object as it is, and a count that ran over
-// would end it.
-PropertyValue heldByRecord(const PropertyValue& value) {
+// A count that calls without end have raised very far is not raised any further: what they left
+// behind keeps the object as it is, and a count that ran over would end it.
+void countReference(const PropertyValue& value) {
   constexpr std::uint32_t kEnough = std::uint32_t{1} << 30;
   const Object* object = value.object();
-  PropertyValue copy = value;
   if (object != nullptr &&
       detail::ObjectAccess::refs(*object).load(std::memory_order_relaxed) > kEnough) {
     object->release();
   }
-  return copy;
 }
 
-// What the port does not take, because its thread has ended, is left as it is, like everything else
-// that is never performed.
-void send(const Port& port, const PropertyValue& target, Selector selector,
-          const PropertyValue* arguments, std::int32_t count) {
+void keep(PropertyValue& place, PropertyValue& value) {
+  countReference(value);
+  place = std::move(value);
+}
+
+std::uint16_t classIndexOf(const PropertyValue& value) {
+  const Object* object = value.object();
+  return object == nullptr ? std::uint16_t{0} : detail::ObjectAccess::classIndex(*object);
+}
+
+// Takes the values over, whose references are the record's from then on. What the port does not
+// take, because its thread has ended, is left as it is, like everything else that is never
+// performed.
+void send(detail::PortState& port, PropertyValue& target, Selector selector,
+          PropertyValue* arguments, std::int32_t count) {
   if (target.isNil()) return;
   ThreadMessageMemory* memory = detail::allocateThreadMessage();
   if (memory == nullptr) return;
   ThreadMessageRecord& record = memory->record;
   record.selector = selector;
-  record.target = heldByRecord(target);
-  for (std::int32_t i = 0; i < count; ++i) record.arguments[i] = heldByRecord(arguments[i]);
+  record.classIndex = classIndexOf(target);
+  keep(record.target, target);
+  for (std::int32_t i = 0; i < count; ++i) keep(record.arguments[i], arguments[i]);
   record.argumentCount = count;
-  (void)detail::sendLetter(port, memory->letter);
+  (void)port.send(memory->letter);
 }
 
 ThreadMessageRecord* recordIn(const PortMessage& message) {
@@ -70,7 +73,8 @@ ThreadMessageRecord* recordIn(const PortMessage& message) {
 
 }  // namespace
 
-QXThreadMessage::QXThreadMessage(detail::Passkey, Ref<Port> port) : port_(std::move(port)) {}
+QXThreadMessage::QXThreadMessage(detail::Passkey, Ref<Port> port)
+    : port_(std::move(port)), portState_(port_->state()) {}
 
 Ref<QXThreadMessage> QXThreadMessage::init() {
   auto message = make<QXThreadMessage>(detail::Passkey{}, Port::port());
@@ -84,20 +88,57 @@ QXThreadMessage::~QXThreadMessage() {
   if (loop != nullptr) loop->removePort(port_, NSDefaultRunLoopMode);
 }
 
-void QXThreadMessage::sendMessageTo(const PropertyValue& target, SelectorFor<0> inSelector) const {
-  send(*port_, target, inSelector, nullptr, 0);
+void QXThreadMessage::sendMessageTo(PropertyValue target, SelectorFor<0> inSelector) const {
+  send(portState_, target, inSelector, nullptr, 0);
 }
 
-void QXThreadMessage::sendMessageTo(const PropertyValue& target, SelectorFor<1> inSelector,
-                                    const PropertyValue& withObject) const {
-  send(*port_, target, inSelector, &withObject, 1);
+void QXThreadMessage::sendMessageTo(PropertyValue target, SelectorFor<1> inSelector,
+                                    PropertyValue withObject) const {
+  send(portState_, target, inSelector, &withObject, 1);
 }
 
-void QXThreadMessage::sendMessageTo(const PropertyValue& target, SelectorFor<2> inSelector,
-                                    const PropertyValue& withObject,
-                                    const PropertyValue& withObject2) const {
-  const PropertyValue arguments[] = {withObject, withObject2};
-  send(*port_, target, inSelector, arguments, 2);
+void QXThreadMessage::sendMessageTo(PropertyValue target, SelectorFor<2> inSelector,
+                                    PropertyValue withObject, PropertyValue withObject2) const {
+  PropertyValue arguments[] = {std::move(withObject), std::move(withObject2)};
+  send(portState_, target, inSelector, arguments, 2);
+}
+
+namespace {
+
+// Holds the target while it performs: the operation may give up the record's reference. From one
+// call to the next the hold waits in its place, if there is one, as most calls are for the same.
+class TargetHold {
+ public:
+  TargetHold(PropertyValue* place, const PropertyValue& target) : place_(place) {
+    if (place_ != nullptr) value_ = std::move(*place_);
+    if (!isSame(value_, target)) value_ = target;
+  }
+  TargetHold(const TargetHold&) = delete;
+  TargetHold& operator=(const TargetHold&) = delete;
+  ~TargetHold() {
+    if (place_ != nullptr) *place_ = std::move(value_);
+  }
+
+ private:
+  PropertyValue* place_;
+  PropertyValue value_;
+};
+
+}  // namespace
+
+// Null where it is not that simple: the receiver of a class operation, a property, no operation at
+// all.
+const detail::Operation* QXThreadMessage::operationOf(const ThreadMessageRecord& record,
+                                                      std::size_t count) {
+  if (record.classIndex < detail::kFirstDescribedClass) return nullptr;
+  if (record.classIndex != lastClass_ || record.selector != lastSelector_) {
+    lastOperation_ =
+        detail::classAtIndex(record.classIndex).record().findOperation(record.selector);
+    lastClass_ = record.classIndex;
+    lastSelector_ = record.selector;
+  }
+  return lastOperation_ != nullptr && lastOperation_->argumentCount == count ? lastOperation_
+                                                                             : nullptr;
 }
 
 // The record is freed when the call has returned or raised.
@@ -106,9 +147,14 @@ void QXThreadMessage::handlePortMessage(const PortMessage& message) {
     void operator()(ThreadMessageRecord* r) const noexcept { detail::freeThreadMessage(r); }
   };
   const std::unique_ptr<ThreadMessageRecord, Free> record(recordIn(message));
-  const auto count = static_cast<std::size_t>(record->argumentCount);
-  detail::performSelectorImpl(record->target, record->selector, record->arguments,
-                              count <= 1 ? count : 2);
+  const auto asked = static_cast<std::size_t>(record->argumentCount);
+  const std::size_t count = asked <= 1 ? asked : 2;
+  const TargetHold hold(detail::heldThroughTurn(portState_), record->target);
+  if (const detail::Operation* operation = operationOf(*record, count)) {
+    operation->call(record->target, operation->payload, record->arguments);
+  } else {
+    detail::performSelectorImpl(record->target, record->selector, record->arguments, count);
+  }
 }
 
 void describe(ClassBuilder<QXThreadMessage>& c) {

@@ -17,6 +17,10 @@
 
 namespace qx {
 
+namespace detail {
+struct ThreadMessageRecord;
+}
+
 // The class is "QXThreadMessage". Any thread may send; everything else belongs to the thread that
 // made the object.
 //
@@ -39,11 +43,11 @@ class QX_EXPORT QXThreadMessage : public Object, public PortDelegate {
   // Asks for the call, and returns as soon as the port has the message, which never takes longer
   // than handing it over. A nil target is asked for nothing; nil arguments are arguments. Nothing
   // happens when there is no memory.
-  void sendMessageTo(const PropertyValue& target, SelectorFor<0> inSelector) const;
-  void sendMessageTo(const PropertyValue& target, SelectorFor<1> inSelector,
-                     const PropertyValue& withObject) const;
-  void sendMessageTo(const PropertyValue& target, SelectorFor<2> inSelector,
-                     const PropertyValue& withObject, const PropertyValue& withObject2) const;
+  void sendMessageTo(PropertyValue target, SelectorFor<0> inSelector) const;
+  void sendMessageTo(PropertyValue target, SelectorFor<1> inSelector,
+                     PropertyValue withObject) const;
+  void sendMessageTo(PropertyValue target, SelectorFor<2> inSelector, PropertyValue withObject,
+                     PropertyValue withObject2) const;
 
   // Performs the call. The port's run loop calls this; by hand, with a message that this object's
   // own port did not deliver, it is not to be called: the message's first component is taken for
@@ -61,7 +65,17 @@ class QX_EXPORT QXThreadMessage : public Object, public PortDelegate {
   ~QXThreadMessage() override;
 
  private:
+  const detail::Operation* operationOf(const detail::ThreadMessageRecord& record,
+                                       std::size_t count);
+
+  // Apart from the object's count, which the receiving thread changes, as every sender reads these.
+  [[maybe_unused]] char apart_[64];
   Ref<Port> port_;
+  detail::PortState& portState_;
+  // The operation that was performed last, of its class and selector.
+  const detail::Operation* lastOperation_ = nullptr;
+  Selector lastSelector_;
+  std::uint16_t lastClass_ = 0;
 };
 
 QX_EXPORT const Class& classObject(detail::Type<QXThreadMessage>);

@@ -1,6 +1,7 @@
 #include "tests/threads/counted_memory.h"
 
 #include <atomic>
+#include <cstddef>
 #include <cstdlib>
 #include <new>
 
@@ -23,10 +24,10 @@ NoMemory::~NoMemory() { refused = false; }
 
 namespace {
 
-void* allocate(std::size_t size) {
+void* allocate(std::size_t size, std::size_t alignment = alignof(std::max_align_t)) {
   if (refused) return nullptr;
   given.fetch_add(1, std::memory_order_relaxed);
-  return std::malloc(size == 0 ? 1 : size);
+  return std::aligned_alloc(alignment, (size / alignment + 1) * alignment);
 }
 void release(void* memory) {
   if (memory == nullptr) return;
@@ -42,9 +43,22 @@ void* operator new(std::size_t size) {
   return memory;
 }
 void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return allocate(size); }
+void* operator new(std::size_t size, std::align_val_t alignment) {
+  void* memory = allocate(size, static_cast<std::size_t>(alignment));
+  if (memory == nullptr) throw std::bad_alloc();
+  return memory;
+}
+void* operator new(std::size_t size, std::align_val_t alignment, const std::nothrow_t&) noexcept {
+  return allocate(size, static_cast<std::size_t>(alignment));
+}
 void operator delete(void* memory) noexcept { release(memory); }
 void operator delete(void* memory, std::size_t) noexcept { release(memory); }
 void operator delete(void* memory, const std::nothrow_t&) noexcept { release(memory); }
+void operator delete(void* memory, std::align_val_t) noexcept { release(memory); }
+void operator delete(void* memory, std::size_t, std::align_val_t) noexcept { release(memory); }
+void operator delete(void* memory, std::align_val_t, const std::nothrow_t&) noexcept {
+  release(memory);
+}
 
 #endif
 
