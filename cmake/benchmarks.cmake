@@ -33,7 +33,10 @@ function(qxfoundation_bench_peer name definition library package)
   target_compile_definitions(bench_${name} PRIVATE ${definition})
 endfunction()
 
+# Two versions of one peer: neither may take the names without a version.
+set(QT_NO_CREATE_VERSIONLESS_TARGETS ON)
 find_package(Qt5 QUIET COMPONENTS Core)
+find_package(Qt6 QUIET COMPONENTS Core)
 find_package(absl QUIET)
 find_package(SQLite3 QUIET)
 qxfoundation_bench_peer(collections_strings QX_BENCH_QT Qt5::Core qtbase5-dev)
@@ -41,7 +44,7 @@ qxfoundation_bench_peer(collections_strings QX_BENCH_ABSL absl::strings libabsl-
 qxfoundation_bench_peer(values_dates QX_BENCH_ABSL absl::time libabsl-dev)
 qxfoundation_bench_peer(sort QX_BENCH_SQLITE SQLite::SQLite3 libsqlite3-dev)
 pkg_check_modules(QXFOUNDATION_BENCH_GLIB QUIET IMPORTED_TARGET glib-2.0)
-qxfoundation_bench_peer(preferences QX_BENCH_QT Qt5::Core qtbase5-dev)
+qxfoundation_bench_peer(preferences QX_BENCH_QT Qt6::Core qt6-base-dev)
 qxfoundation_bench_peer(preferences QX_BENCH_GLIB PkgConfig::QXFOUNDATION_BENCH_GLIB libglib2.0-dev)
 
 # Peers that are measured beside, where they are installed. Scripts of other languages stand in bench/ too.

@@ -145,12 +145,21 @@ bool areDistinct(const Ref<String>* keys, std::size_t count) {
   return true;
 }
 
-Ref<Dictionary> buildByOne(const Ref<String>* keys, PropertyValue* values, std::size_t count) {
-  const auto collect = MutableDictionary::init();
-  DictionaryStorage::reserve(*collect, count);
-  for (std::size_t i = 0; i < count; ++i)
-    DictionaryStorage::set(*collect, std::move(values[i]), keys[i]);
-  return DictionaryStorage::immutableCopy(*collect);
+// Of any number of keys, which may repeat: the values that stay move to the front, in the order of
+// the shape's slots.
+ShapeCount shapeOfSome(const Ref<String>* keys, PropertyValue* values, std::size_t count) {
+  ShapeCount shape = Shape::own(count);
+  for (std::size_t i = 0; i < count; ++i) {
+    std::size_t slot =
+        shape->slotOf({StringStorage::span(*keys[i]), StringStorage::hash(*keys[i])});
+    if (slot == Shape::kAbsent) {
+      slot = shape->slots();
+      shape->append(keys[i]);
+    }
+    if (slot != i) values[slot] = std::move(values[i]);
+  }
+  if (shape->slots() > Shape::kMaxShared) return shape;
+  return Shape::shared(shape->keys(), shape->slots());
 }
 
 }  // namespace
@@ -160,13 +169,18 @@ Ref<Dictionary> DictionaryBuilder::build(const Ref<String>* keys, PropertyValue*
   for (std::size_t i = 0; i < count; ++i) {
     if (keys[i] == nullptr || values[i].isNil()) raiseNilStored(kFromObjects);
   }
-  if (last_ == nullptr || !last_->hasKeys(keys, count)) {
-    if (count > Shape::kMaxShared || !areDistinct(keys, count))
-      return buildByOne(keys, values, count);
+  ShapeCount shape;
+  if (last_ != nullptr && last_->hasKeys(keys, count)) {
+    shape = last_->another();
+  } else if (count <= Shape::kMaxShared && areDistinct(keys, count)) {
     last_ = Shape::shared(keys, count);
+    shape = last_->another();
+  } else {
+    shape = shapeOfSome(keys, values, count);
   }
-  Ref<Dictionary> d = DictionaryStorage::allocate(last_->another());
-  std::move(values, values + count, DictionaryStorage::values(*d));
+  const std::size_t slots = shape->slots();
+  Ref<Dictionary> d = DictionaryStorage::allocate(std::move(shape));
+  std::move(values, values + slots, DictionaryStorage::values(*d));
   return d;
 }
 

@@ -26,7 +26,7 @@ struct DictionaryStorage {
     return const_cast<PropertyValue*>(values(static_cast<const Dictionary&>(d)));
   }
   // Null when absent.
-  static const PropertyValue* find(const Dictionary& d, const KeyText& key) {
+  static const PropertyValue* find(const Dictionary& d, const KeyView& key) {
     const std::size_t slot = d.shape_->slotOf(key);
     return slot == Shape::kAbsent ? nullptr : values(d) + slot;
   }

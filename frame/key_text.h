@@ -8,17 +8,20 @@
 
 namespace qx::detail {
 
-// A text parameter as a key: its units in the narrowest form, and their hash. Borrows from the
-// argument; only text beyond ASCII given as UTF-8 is converted.
-struct KeyText {
+// A key to look for: units in the narrowest form, borrowed, and their hash.
+struct KeyView {
+  TextSpan span;
+  std::uint32_t hash = 0;
+};
+
+// A text parameter as a key. Borrows from the argument; only text beyond ASCII given as UTF-8 is
+// converted.
+struct KeyText : KeyView {
   explicit KeyText(StringArg text);
   // Of a part of a text.
   explicit KeyText(TextSpan text) { take(text); }
   KeyText(const KeyText&) = delete;
   KeyText& operator=(const KeyText&) = delete;
-
-  TextSpan span;
-  std::uint32_t hash = 0;
 
  private:
   void take(TextSpan text);

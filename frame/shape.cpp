@@ -1,5 +1,6 @@
 #include "frame/shape.h"
 
+#include <cstring>
 #include <mutex>
 #include <unordered_map>
 
@@ -101,9 +102,14 @@ void Shape::release() noexcept {
   }
 }
 
-std::size_t Shape::slotOf(const KeyText& key) const {
+// Both texts stand in the narrowest form: of two forms, they differ.
+std::size_t Shape::slotOf(const KeyView& key) const {
+  const std::size_t bytes = key.span.wide ? key.span.size * 2 : key.span.size;
   const auto matches = [&](std::size_t slot) {
-    return equalUnits(StringStorage::span(*keys_[slot]), key.span);
+    const TextSpan known = StringStorage::span(*keys_[slot]);
+    if (known.size != key.span.size || known.wide != key.span.wide) return false;
+    if (bytes > ShortText::kMaxSize) return std::memcmp(known.data, key.span.data, bytes) == 0;
+    return ShortText(known.data, bytes) == ShortText(key.span.data, bytes);
   };
   if (!shared_) return index_.find(key.hash, matches);
   for (std::size_t i = 0; i < hashes_.size(); ++i) {

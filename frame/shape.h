@@ -57,7 +57,7 @@ class Shape {
   const Ref<String>* keys() const { return keys_.data(); }
 
   // The key's slot, or kAbsent.
-  std::size_t slotOf(const KeyText& key) const;
+  std::size_t slotOf(const KeyView& key) const;
   bool hasKeys(const Ref<String>* keys, std::size_t count) const;
 
   // Of an own shape alone. A key that is not there yet gets the next slot; where memory runs out,

@@ -24,8 +24,6 @@ bool isFixedLeaf(const PropertyValue& v) {
   }
 }
 
-bool isContainer(const PropertyValue& v) { return v.isArray() || v.isDictionary(); }
-
 // Equal containers have equal hashes. Looks at a few levels; what lies deeper counts by its size.
 class StructureHash {
  public:

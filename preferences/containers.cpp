@@ -7,15 +7,20 @@
 namespace qx::detail {
 namespace {
 
+template <class T>
+std::uint16_t ownIndex() {
+  static const std::uint16_t own = classIndexOf(classOf<T>());
+  return own;
+}
+
 // Most containers are of the class itself, which their header tells; a subclass takes a cast.
 template <class T>
 T* asTreeContainer(const PropertyValue& value, ObjectKind kind) {
-  static const std::uint16_t own = classIndexOf(classOf<T>());
   Object* o = value.object();
   if (o == nullptr || ObjectAccess::kind(*o) != kind || !ObjectAccess::has(*o, kMutableVariant)) {
     return nullptr;
   }
-  return ObjectAccess::classIndex(*o) == own ? static_cast<T*>(o) : dynamic_cast<T*>(o);
+  return ObjectAccess::classIndex(*o) == ownIndex<T>() ? static_cast<T*>(o) : dynamic_cast<T*>(o);
 }
 
 template <class T>
@@ -35,6 +40,14 @@ QXPreferencesArray* treeArray(const PropertyValue& value) {
 
 QXPreferencesDictionary* treeDictionary(const PropertyValue& value) {
   return asTreeContainer<QXPreferencesDictionary>(value, ObjectKind::dictionary);
+}
+
+QXPreferencesDictionary* ownTreeDictionary(const PropertyValue& value) {
+  Object* o = value.object();
+  if (o == nullptr || ObjectAccess::classIndex(*o) != ownIndex<QXPreferencesDictionary>()) {
+    return nullptr;
+  }
+  return static_cast<QXPreferencesDictionary*>(o);
 }
 
 bool isPlainContainer(const PropertyValue& value) {

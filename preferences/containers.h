@@ -12,6 +12,13 @@ namespace qx::detail {
 // The value as a container of a tree, borrowed; null for everything else.
 QXPreferencesArray* treeArray(const PropertyValue& value);
 QXPreferencesDictionary* treeDictionary(const PropertyValue& value);
+// The value as a dictionary of the library's own class, whose operations are those of this library;
+// null for everything else.
+QXPreferencesDictionary* ownTreeDictionary(const PropertyValue& value);
+// An array or dictionary of any kind: what conversion may change.
+inline bool isContainer(const PropertyValue& value) {
+  return value.isArray() || value.isDictionary();
+}
 // An array or dictionary that is none.
 bool isPlainContainer(const PropertyValue& value);
 // The reference to its store of a container of a tree; null for everything else.

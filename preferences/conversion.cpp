@@ -24,6 +24,7 @@ class Conversion {
       dictionary_ = models.dictionary != nullptr ? models.dictionary->emptyInstance()
                                                  : QXPreferencesDictionary::init();
       PreferencesAccess::setLink(*dictionary_, link);
+      fillQuickly(link);
     } else {
       const auto* a = source.peek<Array>();
       elements_.assign(a->begin(), a->end());
@@ -43,7 +44,12 @@ class Conversion {
   // What stands for `next()` in the copy.
   void take(PropertyValue value) {
     if (dictionary_ != nullptr) {
-      dictionary_->setObject(value, (**slot_).key);
+      if (!isFilled_) {
+        dictionary_->setObject(value, (**slot_).key);
+      } else if (isContainer(value)) {
+        repoint(value, PreferencesAccess::link(*dictionary_));
+        DictionaryStorage::set(*dictionary_, value, (**slot_).key);
+      }
       ++*slot_;
     } else {
       elements_[next_++] = std::move(value);
@@ -56,8 +62,20 @@ class Conversion {
   }
 
  private:
+  // Takes over all entries at once where storing them one by one would come to the same: the
+  // containers among them are replaced when their turn comes.
+  void fillQuickly(const PreferencesLink& link) {
+    QXPreferences* store = link.store();
+    isFilled_ = ownTreeDictionary(dictionary_) != nullptr && dictionary_->count() == 0 &&
+                (store == nullptr || PreferencesAccess::onlyMarks(*store));
+    if (!isFilled_) return;
+    DictionaryStorage::fill(*dictionary_, *entries_);
+    if (store != nullptr && entries_->count() > 0) PreferencesAccess::mark(*store);
+  }
+
   PropertyValue source_;
   Ref<QXPreferencesDictionary> dictionary_;
+  bool isFilled_ = false;
   Ref<Dictionary> entries_;
   std::optional<Dictionary::Iterator> slot_;
   Ref<QXPreferencesArray> array_;

@@ -78,10 +78,16 @@ void QXPreferences::setUserValues(In<Dictionary> values) { parts_->root->setDict
 
 // ---- reading
 
+// Borrowed from the tree or the defaults; null where there is none. The path is not nil.
+const PropertyValue* QXPreferences::find(StringArg keyPath) const {
+  if (const PropertyValue* v = detail::valueAtPath(*parts_->root, keyPath)) return v;
+  return parts_->defaults->find(keyPath);
+}
+
 PropertyValue QXPreferences::objectForKeyPath(StringArg keyPath) const {
   if (keyPath.isNil()) return parts_->root;
-  if (const PropertyValue* v = detail::valueAtPath(*parts_->root, keyPath)) return *v;
-  return parts_->defaults->objectForKey(keyPath);
+  const PropertyValue* v = find(keyPath);
+  return v == nullptr ? PropertyValue() : *v;
 }
 
 PropertyValue QXPreferences::arrayForKeyPath(StringArg keyPath) const {
@@ -142,26 +148,41 @@ void QXPreferences::write(const PropertyValue& value, StringArg keyPath) {
   const Ref<QXPreferences> self(this);
   const Ref<const String> path(keyPath.object());
   const PropertyValue kept = value;
-  {
-    const SyncScope scope(appliesImmediately_ ? this : nullptr);
-    const bool isRemoval = kept.isNil();
-    const PropertyValue parent = detail::walkPath(parts_->root, keyPath, true).parent;
-    const detail::WrittenNames names = detail::namesOfWrite(keyPath, parts_->path != nullptr);
-    if (isRemoval) {
-      detail::changeableDictionary(parent, kRemove).removeObjectForKey(names.leaf);
-    } else {
-      parent.setValue(kept, names.leaf);
-    }
-    if (!usesFile_) {
-      if (isRemoval && names.areOne) {
-        UserDefaults::standardUserDefaults()->removeObjectForKey(names.top);
-      } else {
-        mirror(names.top);
-      }
-    }
-    setDirty(true);
-  }
+  if (!onlyMarks_ || !writeWithinTree(kept, keyPath)) writeStepByStep(kept, keyPath);
   post(keyPath);
+}
+
+// What a write comes to where reports only mark the store, and the way to the value is there.
+bool QXPreferences::writeWithinTree(const PropertyValue& value, StringArg keyPath) {
+  if (keyPath.isNil()) return false;
+  const detail::TreeEnd end = detail::endWithinTree(*parts_->root, link_, keyPath);
+  if (end.parent == nullptr) return false;
+  const Ref<QXPreferencesDictionary> parent(end.parent);
+  // The containers on the way report being stored again, even if the value is refused.
+  if (parent.get() != parts_->root.get()) isDirty_ = true;
+  parent->setValueForKey(value, detail::PartText(end.key));
+  setDirty(true);
+  return true;
+}
+
+void QXPreferences::writeStepByStep(const PropertyValue& value, StringArg keyPath) {
+  const SyncScope scope(appliesImmediately_ ? this : nullptr);
+  const bool isRemoval = value.isNil();
+  const PropertyValue parent = detail::walkPath(parts_->root, keyPath, true).parent;
+  const detail::WrittenNames names = detail::namesOfWrite(keyPath, parts_->path != nullptr);
+  if (isRemoval) {
+    detail::changeableDictionary(parent, kRemove).removeObjectForKey(names.leaf);
+  } else {
+    parent.setValue(value, names.leaf);
+  }
+  if (!usesFile_) {
+    if (isRemoval && names.areOne) {
+      UserDefaults::standardUserDefaults()->removeObjectForKey(names.top);
+    } else {
+      mirror(names.top);
+    }
+  }
+  setDirty(true);
 }
 
 // Writes the root's entry to the user defaults, or removes it there; without a key there is nothing

@@ -54,8 +54,12 @@ bool QXPreferencesDictionary::containsObject(const PropertyValue& value) const {
 
 void QXPreferencesDictionary::setObject(const PropertyValue& value, StringArg forKey) {
   if (value.isNil() || forKey.isNil()) return MutableDictionary::setObject(value, forKey);
-  const SyncScope scope(detail::isPlainContainer(value) ? link_.store() : nullptr);
   const ChangeReport report(link_, forKey);
+  if (!detail::isContainer(value)) {
+    MutableDictionary::setObject(value, forKey);
+    return report(*this);
+  }
+  const SyncScope scope(detail::isPlainContainer(value) ? link_.store() : nullptr);
   MutableDictionary::setObject(detail::converted(value, link_, {.dictionary = this}), forKey);
   report(*this);
 }

@@ -6,11 +6,14 @@
 #include <QXFoundation/preferences_array.h>
 
 #include "frame/dictionary_storage.h"
+#include "frame/hashing.h"
 #include "frame/key_text.h"
 #include "frame/raise.h"
 #include "frame/string_storage.h"
 #include "frame/utf.h"
 #include "preferences/containers.h"
+#include "preferences/plain_path.h"
+#include "preferences/store_access.h"
 
 namespace qx::detail {
 namespace {
@@ -34,15 +37,12 @@ std::size_t findLastUnit(TextSpan text, char unit, std::size_t count) {
 class Component {
  public:
   Component() = default;
-  explicit Component(TextSpan text) : index_(indexOfComponent(text)) {
-    key_ = text.substr(0, findLastUnit(text, '[', text.size));
+  // `mayBeCut`: an opening bracket stands somewhere in the path.
+  Component(TextSpan text, bool mayBeCut) : key_(text) {
+    if (endsLikeIndex(text)) index_ = indexOfComponent(text);
+    if (mayBeCut) key_ = text.substr(0, findLastUnit(text, '[', text.size));
   }
-  // Of a path without any bracket.
-  static Component plain(TextSpan text) {
-    Component c;
-    c.key_ = text;
-    return c;
-  }
+  static bool endsLikeIndex(TextSpan text) { return text.size >= 4 && text[text.size - 1] == u']'; }
 
   TextSpan key() const { return key_; }
   std::int32_t index() const { return index_; }
@@ -52,26 +52,7 @@ class Component {
   std::int32_t index_ = kNoIndex;
 };
 
-bool hasBrackets(TextSpan path) {
-  return findUnit(path, '[', 0) != kNotFound || findUnit(path, ']', 0) != kNotFound;
-}
-
-// A part of a path as a parameter.
-class PartText {
- public:
-  explicit PartText(TextSpan text) {
-    if (!text.wide && asciiPrefix(text.latin1View()) == text.size) {
-      bytes_ = text.latin1View();
-    } else {
-      string_ = StringStorage::make(text);
-    }
-  }
-  operator StringArg() const { return string_ != nullptr ? StringArg(string_) : StringArg(bytes_); }
-
- private:
-  std::string_view bytes_;
-  Ref<String> string_;
-};
+bool hasBracket(TextSpan path) { return findUnit(path, '[', 0) != kNotFound; }
 
 // Calls `visit(text)` for each piece between dots.
 template <class Visit>
@@ -82,6 +63,11 @@ void eachComponent(TextSpan path, Visit visit) {
     if (dot == kNotFound) return;
     start = dot + 1;
   }
+}
+
+const PropertyValue* findKey(const Dictionary& d, TextSpan key) {
+  if (key.wide) return DictionaryStorage::find(d, KeyText(key));  // a part may need less room
+  return DictionaryStorage::find(d, KeyView{key, hashText(key)});
 }
 
 [[noreturn]] void raiseNoDictionary(const PropertyValue& value) {
@@ -123,15 +109,15 @@ void setAtIndex(const PropertyValue& parent, const PropertyValue& value, std::in
 // The walk along a path that is about to be written.
 class Walk {
  public:
-  Walk(const PropertyValue& root, bool create) : parent_(root), current_(root), create_(create) {}
+  Walk(const PropertyValue& root, bool create, bool mayBeCut)
+      : parent_(root), current_(root), create_(create), mayBeCut_(mayBeCut) {}
 
   void step(TextSpan text, bool isFirst) {
     if (create_ && !isFirst) createCurrent();
     const PropertyValue container = std::move(current_);
-    last_ = Component(text);
+    last_ = Component(text, mayBeCut_);
     const PropertyValue* found =
-        container.isNil() ? nullptr
-                          : DictionaryStorage::find(asDictionary(container), KeyText(last_.key()));
+        container.isNil() ? nullptr : findKey(asDictionary(container), last_.key());
     current_ = found != nullptr ? *found : PropertyValue();
     const Array* array = asArray(current_);
     if (array == nullptr || last_.index() == kNoIndex) {
@@ -185,9 +171,39 @@ class Walk {
   // An index that the last component has, unless it lies beyond the end of an array that is there.
   std::int32_t wantedIndex_ = kNoIndex;
   bool create_;
+  bool mayBeCut_;
 };
 
+// The walk of any path, component by component.
+const PropertyValue* valueAlongPath(const QXPreferencesDictionary& root, StringArg keyPath) {
+  const ArgText path(keyPath);
+  const bool mayBeCut = hasBracket(path);
+  const PropertyValue* current = nullptr;
+  const Dictionary* container = &root;
+  eachComponent(path, [&](TextSpan text) {
+    const Component component(text, mayBeCut);
+    if (container == nullptr && current != nullptr) container = &asDictionary(*current);
+    current = container == nullptr ? nullptr : findKey(*container, component.key());
+    container = nullptr;
+    if (current == nullptr || component.index() == kNoIndex) return;
+    if (const Array* array = asArray(*current)) {
+      current = isWithin(component.index(), *array)
+                    ? &array->objectAtIndex(place(component.index()))
+                    : nullptr;
+    }
+  });
+  return current;
+}
+
 }  // namespace
+
+PartText::PartText(TextSpan text) {
+  if (!text.wide && asciiPrefix(text.latin1View()) == text.size) {
+    bytes_ = text.latin1View();
+  } else {
+    string_ = StringStorage::make(text);
+  }
+}
 
 std::int32_t indexOfComponent(TextSpan component) {
   if (component.size < 4 || component[component.size - 1] != u']') return kNoIndex;
@@ -220,30 +236,37 @@ Ref<String> standardizedKeyPath(StringArg keyPath) {
 }
 
 const PropertyValue* valueAtPath(const QXPreferencesDictionary& root, StringArg keyPath) {
-  const ArgText path(keyPath);
-  const bool isPlain = !hasBrackets(path);
-  const PropertyValue* current = nullptr;
+  const PropertyValue* found = nullptr;
   const Dictionary* container = &root;
-  eachComponent(path, [&](TextSpan text) {
-    const Component component = isPlain ? Component::plain(text) : Component(text);
-    if (container == nullptr && current != nullptr) container = &asDictionary(*current);
-    current = container == nullptr ? nullptr
-                                   : DictionaryStorage::find(*container, KeyText(component.key()));
-    container = nullptr;
-    if (current == nullptr || component.index() == kNoIndex) return;
-    if (const Array* array = asArray(*current)) {
-      current = isWithin(component.index(), *array)
-                    ? &array->objectAtIndex(place(component.index()))
-                    : nullptr;
-    }
+  const bool isPlain = eachPlainKey(keyPath, [&](TextSpan key, bool isLast) {
+    found = DictionaryStorage::find(*container, {key, hashText(key)});
+    if (isLast) return true;
+    if (found == nullptr || !found->isDictionary()) return false;
+    container = static_cast<const Dictionary*>(found->object());
+    return true;
   });
-  return current;
+  return isPlain ? found : valueAlongPath(root, keyPath);
+}
+
+TreeEnd endWithinTree(QXPreferencesDictionary& root, const PreferencesLink& link,
+                      StringArg keyPath) {
+  TreeEnd end{&root, {}};
+  const bool isWithin = eachPlainKey(keyPath, [&](TextSpan key, bool isLast) {
+    end.key = key;
+    if (isLast) return !key.empty() || end.parent == &root;
+    const PropertyValue* found = DictionaryStorage::find(*end.parent, {key, hashText(key)});
+    QXPreferencesDictionary* next = found == nullptr ? nullptr : ownTreeDictionary(*found);
+    if (next == nullptr || !(PreferencesAccess::link(*next) == link)) return false;
+    end.parent = next;
+    return true;
+  });
+  return isWithin ? end : TreeEnd{};
 }
 
 PathEnd walkPath(const PropertyValue& root, StringArg keyPath, bool create) {
   if (keyPath.isNil()) return {root, root};
   const ArgText path(keyPath);
-  Walk walk(root, create);
+  Walk walk(root, create, hasBracket(path));
   bool isFirst = true;
   eachComponent(path, [&](TextSpan component) {
     walk.step(component, isFirst);

@@ -6,8 +6,10 @@
 // it has at least four characters and ends with "]".
 
 #include <cstdint>
+#include <string_view>
 
 #include <QXFoundation/preferences_dictionary.h>
+#include <QXFoundation/preferences_link.h>
 #include <QXFoundation/property_value.h>
 #include <QXFoundation/selector.h>
 #include <QXFoundation/string_arg.h>
@@ -37,6 +39,27 @@ struct PathEnd {
   PropertyValue parent;
 };
 PathEnd walkPath(const PropertyValue& root, StringArg keyPath, bool create);
+
+// A part of a path as a parameter; borrows from it where that needs no conversion.
+class PartText {
+ public:
+  explicit PartText(TextSpan text);
+  operator StringArg() const { return string_ != nullptr ? StringArg(string_) : StringArg(bytes_); }
+
+ private:
+  std::string_view bytes_;
+  Ref<String> string_;
+};
+
+// The end of a way on which a write changes nothing but the last container: every container of it
+// is a dictionary of the tree that reports to `link`, and storing it again where it stands would be
+// no more than a report. No parent where the way is another one, and has to be walked.
+struct TreeEnd {
+  QXPreferencesDictionary* parent = nullptr;
+  TextSpan key;  // borrowed from the path
+};
+TreeEnd endWithinTree(QXPreferencesDictionary& root, const PreferencesLink& link,
+                      StringArg keyPath);
 
 // Stores the value under the key; with an index, at that place of the parent: behind its last
 // element, in the place of one, or nowhere where the index lies beyond. A parent that is no

@@ -197,7 +197,10 @@ class QX_EXPORT QXPreferences : public Object {
   struct Parts;
 
   void load();
+  const PropertyValue* find(StringArg keyPath) const;
   void write(const PropertyValue& value, StringArg keyPath);
+  bool writeWithinTree(const PropertyValue& value, StringArg keyPath);
+  void writeStepByStep(const PropertyValue& value, StringArg keyPath);
   void mirror(const Ref<String>& key);
   void post(StringArg keyPath);
   PropertyValue canonicalKey(StringArg keyPath);

@@ -53,6 +53,28 @@ TEST(Dictionaries, KeepTheLastValueOfAKeyAtItsFirstPlace) {
   EXPECT_EQ(d->objectForKey("k19"), PropertyValue(59U));
 }
 
+// What remains decides between a shared shape and an own one.
+TEST(Dictionaries, TakeRepeatedKeysUpToAnyNumber) {
+  for (std::size_t distinct = 1; distinct <= 40; ++distinct) {
+    std::vector<std::string> keys;
+    std::vector<Entry> entries;
+    for (std::size_t i = 0; i < distinct + 7; ++i) keys.push_back(key(i % distinct));
+    for (std::size_t i = 0; i < keys.size(); ++i) entries.push_back({keys[i], i});
+    const auto d = Dictionary::from(entries.data(), entries.size());
+    ASSERT_EQ(d->count(), distinct);
+    EXPECT_EQ(DictionaryStorage::shape(*d).isShared(), distinct <= Shape::kMaxShared);
+    std::size_t place = 0;
+    for (const auto& [name, value] : *d) {
+      std::size_t last = place;
+      while (last + distinct < keys.size()) last += distinct;
+      EXPECT_EQ(name.utf8(), key(place)) << distinct;
+      EXPECT_EQ(value, PropertyValue(last)) << distinct;
+      EXPECT_EQ(d->objectForKey(key(place)), PropertyValue(last)) << distinct;
+      ++place;
+    }
+  }
+}
+
 TEST(Dictionaries, RefuseNilKeysAndValues) {
   const char* reason = "+[NSDictionary dictionaryWithObjects:forKeys:]: nil can not be stored";
   EXPECT_EQ(reasonOf<InvalidArgumentException>([] { (void)dict({{"a", nullptr}}); }), reason);

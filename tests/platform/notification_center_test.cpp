@@ -7,23 +7,12 @@
 
 #include <QXFoundation/QXFoundation.h>
 
-namespace noted {
-
-class Listener : public qx::Object {
- public:
-  void heard(const qx::Ref<qx::Notification>& n) { names.push_back(n->name()->utf8()); }
-  std::vector<std::string> names;
-};
-void describe(qx::ClassBuilder<Listener>& c) {
-  c.name("NotedListener").operation("heard:", &Listener::heard);
-}
-
-}  // namespace noted
+#include "tests/support/notification_listener.h"
 
 namespace qx {
 namespace {
 
-using noted::Listener;
+using Listener = test_support::NotificationListener;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -33,7 +22,7 @@ TEST(NotificationCenter, TellsObserversBySelectorWithNameObjectAndInformation) {
   center->addObserver(listener, "heard:", "Changed", nullptr);
   center->postNotificationName("Changed", "about", dict({{"key", 1}}));
   center->postNotificationName("Other", "about", nullptr);
-  EXPECT_THAT(listener->names, ElementsAre("Changed"));
+  EXPECT_THAT(listener->names(), ElementsAre("Changed"));
 }
 
 TEST(NotificationCenter, GivesCallablesTheNotificationItself) {
@@ -108,7 +97,7 @@ TEST(NotificationCenter, TellsAnObserverAddedTwiceTwice) {
   center->addObserver(listener, "heard:", "N", nullptr);
   center->addObserver(listener, "heard:", "N", nullptr);
   center->postNotificationName("N", nullptr, nullptr);
-  EXPECT_EQ(listener->names.size(), 2U);
+  EXPECT_EQ(listener->names().size(), 2U);
 }
 
 TEST(NotificationCenter, RemovesByNameAndObject) {
@@ -122,10 +111,10 @@ TEST(NotificationCenter, RemovesByNameAndObject) {
     center->addObserver(listener, "heard:", "B", "x");
   };
   const auto heard = [&] {
-    listener->names.clear();
+    listener->notifications.clear();
     center->postNotificationName("A", "x", nullptr);
     center->postNotificationName("B", "x", nullptr);
-    return listener->names;
+    return listener->names();
   };
   center->addObserver(other, "heard:", "A", "x");
   add();
@@ -143,7 +132,7 @@ TEST(NotificationCenter, RemovesByNameAndObject) {
   EXPECT_THAT(heard(), IsEmpty());
   center->removeObserver(nullptr);
   center->removeObserver(listener, "A", "y");
-  EXPECT_FALSE(other->names.empty());
+  EXPECT_FALSE(other->names().empty());
 }
 
 TEST(NotificationCenter, RefersToObserversWeakly) {
@@ -176,7 +165,7 @@ TEST(NotificationCenter, DoesNotGatherObserversThatCeasedToExist) {
   const auto last = make<Listener>();
   center->addObserver(last, "heard:", "N", nullptr);
   center->postNotificationName("N", nullptr, nullptr);
-  EXPECT_EQ(last->names.size(), 1U);
+  EXPECT_EQ(last->names().size(), 1U);
 }
 
 TEST(NotificationCenter, RefusesNoObserverNoSelectorNoName) {
@@ -318,7 +307,7 @@ TEST_F(DuringANotification, ListenersBySelectorMayRemoveOneAnother) {
       center->observe("N", nullptr, [&](const Notification&) { center->removeObserver(listener); });
   center->addObserver(listener, "heard:", "N", nullptr);
   post();
-  EXPECT_TRUE(listener->names.empty());
+  EXPECT_TRUE(listener->names().empty());
 }
 
 TEST_F(DuringANotification, AnObserverMayPostAgain) {

@@ -7,24 +7,12 @@
 #include <QXFoundation/QXFoundation.h>
 
 #include "tests/support/memory_user_defaults.h"
-
-namespace kept {
-
-class Listener : public qx::Object {
- public:
-  void changed(const qx::Ref<qx::Notification>& n) { heard.push_back(n); }
-  std::vector<qx::Ref<qx::Notification>> heard;
-};
-void describe(qx::ClassBuilder<Listener>& c) {
-  c.name("StoreListener").operation("changed:", &Listener::changed);
-}
-
-}  // namespace kept
+#include "tests/support/notification_listener.h"
 
 namespace qx {
 namespace {
 
-using kept::Listener;
+using Listener = test_support::NotificationListener;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -40,15 +28,16 @@ class StoreObservation : public testing::Test {
 
 TEST_F(StoreObservation, TellsNameCanonicalPathAndThePathAsWritten) {
   const auto listener = make<Listener>();
-  store->addObserver(listener, "changed:", "a[0].bcdef");
+  store->addObserver(listener, "heard:", "a[0].bcdef");
   store->setInteger(1, "a[0].bcdef");
   store->setInteger(1, "a[0].b");
-  ASSERT_EQ(listener->heard.size(), 2U);
-  EXPECT_EQ(listener->heard[0]->name()->utf8(), QXPreferencesDidChangeNotification);
-  EXPECT_EQ(listener->heard[0]->object(), "a.b");
-  EXPECT_EQ(PropertyValue(listener->heard[0]->userInfo()), dict({{"keyPath", "a[0].bcdef"}}));
-  EXPECT_EQ(PropertyValue(listener->heard[1]->userInfo()), dict({{"keyPath", "a[0].b"}}));
-  EXPECT_TRUE(isSame(listener->heard[0]->object(), listener->heard[1]->object()))
+  ASSERT_EQ(listener->notifications.size(), 2U);
+  EXPECT_EQ(listener->notifications[0]->name()->utf8(), QXPreferencesDidChangeNotification);
+  EXPECT_EQ(listener->notifications[0]->object(), "a.b");
+  EXPECT_EQ(PropertyValue(listener->notifications[0]->userInfo()),
+            dict({{"keyPath", "a[0].bcdef"}}));
+  EXPECT_EQ(PropertyValue(listener->notifications[1]->userInfo()), dict({{"keyPath", "a[0].b"}}));
+  EXPECT_TRUE(isSame(listener->notifications[0]->object(), listener->notifications[1]->object()))
       << "one object stands for the path";
 }
 
@@ -121,17 +110,17 @@ TEST_F(StoreObservation, EndsWithItsObjectAndOutlivesTheStore) {
 TEST_F(StoreObservation, RemovesAnObserverByAnEqualPath) {
   const auto listener = make<Listener>();
   const auto other = make<Listener>();
-  store->addObserver(listener, "changed:", "a.b");
-  store->addObserver(listener, "changed:", "c");
-  store->addObserver(other, "changed:", "a.b");
+  store->addObserver(listener, "heard:", "a.b");
+  store->addObserver(listener, "heard:", "c");
+  store->addObserver(other, "heard:", "a.b");
   store->removeObserver(listener, String::from("a[0].b"));
   store->setInteger(1, "a.b");
   store->setInteger(1, "c");
-  EXPECT_EQ(listener->heard.size(), 1U);
-  EXPECT_EQ(other->heard.size(), 1U);
+  EXPECT_EQ(listener->notifications.size(), 1U);
+  EXPECT_EQ(other->notifications.size(), 1U);
   performSelector(store, "removeObserver:forKeyPath:", listener, "c");
   store->setInteger(1, "c");
-  EXPECT_EQ(listener->heard.size(), 1U);
+  EXPECT_EQ(listener->notifications.size(), 1U);
   store->removeObserver(listener, "never observed");
   store->removeObserver(nullptr, "c");
 }
@@ -139,15 +128,15 @@ TEST_F(StoreObservation, RemovesAnObserverByAnEqualPath) {
 TEST_F(StoreObservation, RefersToObserversWeakly) {
   auto listener = make<Listener>();
   const WeakRef<Listener> weak = listener;
-  store->addObserver(listener, "changed:", "k");
+  store->addObserver(listener, "heard:", "k");
   listener = nullptr;
   EXPECT_TRUE(weak.lock() == nullptr);
   store->setInteger(1, "k");
 }
 
 TEST_F(StoreObservation, RefusesNoPathNoObserverNoSelector) {
-  EXPECT_THROW(store->addObserver(make<Listener>(), "changed:", nullptr), InvalidArgumentException);
-  EXPECT_THROW(store->addObserver(nullptr, "changed:", "k"), InvalidArgumentException);
+  EXPECT_THROW(store->addObserver(make<Listener>(), "heard:", nullptr), InvalidArgumentException);
+  EXPECT_THROW(store->addObserver(nullptr, "heard:", "k"), InvalidArgumentException);
   EXPECT_THROW(store->addObserver(make<Listener>(), Selector(), "k"), InvalidArgumentException);
   EXPECT_THROW((void)store->observe(nullptr, [] {}), InvalidArgumentException);
 }

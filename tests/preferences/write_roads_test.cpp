@@ -1,0 +1,145 @@
+// A store with a file writes along a way that is there already in one step; a store without one
+// reports every container on the way. Both come to the same tree.
+
+#include <random>
+
+#include "preferences/store_access.h"
+#include "tests/preferences/store_fixture.h"
+
+namespace counted {
+
+// Counts what is put into it.
+class Settings : public qx::QXPreferencesDictionary {
+ public:
+  void setObject(const qx::PropertyValue& value, qx::StringArg forKey) override {
+    ++puts;
+    QXPreferencesDictionary::setObject(value, forKey);
+  }
+  int puts = 0;
+};
+void describe(qx::ClassBuilder<Settings>& c) {
+  c.name("CountedSettings").inherits<qx::QXPreferencesDictionary>();
+}
+
+}  // namespace counted
+
+namespace qx {
+namespace {
+
+using Roads = StoreTest;
+
+const char* const kPaths[] = {"a",
+                              "b",
+                              "",
+                              "a.b",
+                              "a.a",
+                              "a.b.c",
+                              "a.a.a",
+                              "b.a.b",
+                              "a.",
+                              ".",
+                              ".a",
+                              "a..b",
+                              "a[0]",
+                              "a[0].b",
+                              "a.b[0]",
+                              "b[0].a",
+                              "b[]",
+                              "abc]",
+                              "a.abc]",
+                              "abc].a",
+                              "caf\u00E9",
+                              "a.\u4E2D",
+                              "a.longer than eight characters",
+                              "b[1].a",
+                              "a.b.c.d.e"};
+
+PropertyValue randomValue(std::mt19937& random) {
+  switch (random() % 7) {
+    case 0:
+      return nullptr;
+    case 1:
+      return dict({{"a", 1}, {"b", dict({{"c", array(1, dict({{"a", 2}}))}})}});
+    case 2:
+      return array(dict({{"b", 1}}), 2);
+    case 3:
+      return "text";
+    case 4:
+      return dict();
+    case 5:
+      return QXPreferencesDictionary::initWithDictionary(dict({{"a", dict({{"a", 3}})}}), nullptr);
+    default:
+      return static_cast<int>(random() % 100);
+  }
+}
+
+// What the write raised; empty where it did not.
+std::string failureOf(QXPreferences& store, const PropertyValue& value, const char* path) {
+  try {
+    store.setObject(value, path);
+    return {};
+  } catch (const Exception& e) {
+    return e.name() + std::string(": ") + e.what();
+  }
+}
+
+TEST_F(Roads, ComeToTheSame) {
+  for (unsigned seed = 0; seed < 200; ++seed) {
+    const auto inOneStep = QXPreferences::initWithPath(files / "never written.plist");
+    const auto stepByStep = QXPreferences::initForCustomInfo();
+    ASSERT_TRUE(detail::PreferencesAccess::onlyMarks(*inOneStep));
+    ASSERT_FALSE(detail::PreferencesAccess::onlyMarks(*stepByStep));
+    for (int step = 0; step < 60; ++step) {
+      const char* path = kPaths[std::mt19937(seed * 1000 + step)() % std::size(kPaths)];
+      std::mt19937 one(seed * 7919 + step);
+      std::mt19937 other = one;
+      inOneStep->setDirty(false);
+      stepByStep->setDirty(false);
+      const std::string failure = failureOf(*inOneStep, randomValue(one), path);
+      ASSERT_EQ(failure, failureOf(*stepByStep, randomValue(other), path)) << path;
+      ASSERT_EQ(PropertyValue(inOneStep->userValues()), PropertyValue(stepByStep->userValues()))
+          << "after " << path;
+      ASSERT_EQ(inOneStep->isDirty(), stepByStep->isDirty()) << path << ' ' << failure;
+      for (const char* read : {"a", "a.b", "a.b.c", "a[0].b", "b[0]", "a.a.a"}) {
+        std::string failures[2];
+        const auto get = [&](QXPreferences& store, std::string& raised) -> PropertyValue {
+          try {
+            return store.objectForKeyPath(read);
+          } catch (const Exception& e) {
+            raised = e.what();
+            return nullptr;
+          }
+        };
+        ASSERT_EQ(get(*inOneStep, failures[0]), get(*stepByStep, failures[1])) << read;
+        ASSERT_EQ(failures[0], failures[1]) << read;
+      }
+    }
+  }
+}
+
+// A class of the application sees every container that is put back on the way.
+TEST_F(Roads, LeadThroughTheOperationsOfOtherClasses) {
+  const auto store = QXPreferences::initWithPath(files / "never written.plist");
+  const auto settings = make<counted::Settings>();
+  store->setObject(settings, "a");
+  store->setObject(dict({{"c", 1}}), "a.b");
+  EXPECT_EQ(settings->puts, 1);
+  store->setInteger(2, "a.b.c");
+  EXPECT_EQ(settings->puts, 2) << "the container below it is put back";
+  store->setInteger(3, "a.d");
+  EXPECT_EQ(settings->puts, 3);
+}
+
+// Containers that reported elsewhere report to the store once a write has led through them.
+TEST_F(Roads, TakeOverContainersOfOtherStores) {
+  const auto store = QXPreferences::initWithPath(files / "never written.plist");
+  const auto other = QXPreferences::initForCustomInfo();
+  store->setObject(dict({{"b", dict()}}), "a");
+  const auto inner = store->objectForKeyPath("a.b").as<QXPreferencesDictionary>();
+  inner->setPreferences(other);
+  store->setInteger(1, "a.b.c");
+  EXPECT_TRUE(isSame(inner->preferences(), store));
+}
+
+}  // namespace
+}  // namespace qx
