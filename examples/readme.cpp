@@ -7,6 +7,6 @@ int main() {
                           qx::dict({{"name", "Joan"}, {"age", 19}, {"city", "Rome"}}),
                           qx::dict({{"name", "Bob"}, {"age", 50}, {"city", "Oslo"}}));
   auto adults = qx::qualifierWithQualifierFormat("age > %d and name like %@", 21, "J*");
-  for (const qx::PropertyValue& person : *filteredArrayUsingQualifier(people, adults))
-    std::puts(person["name"].description().c_str());  // Jim
+  auto matches = filteredArrayUsingQualifier(people, adults);
+  for (const qx::PropertyValue& person : *matches) std::puts(person["name"].description().c_str());
 }

@@ -2,7 +2,8 @@
 //
 //     auto file = qx::URL::fileURLWithPath("/data/report.txt");
 //     setColorTags(file, qx::array(qx::QXColorTag::colorTagWithName("Work", 6)), &error);
-//     for (const auto& tag : *colorTagsWithError(file)) use(tag.as<qx::QXColorTag>()->name());
+//     const auto tags = colorTagsWithError(file);   // kept while it is walked
+//     for (const auto& tag : *tags) use(tag.as<qx::QXColorTag>()->name());
 //
 // They are kept in the extended attribute kColorTagsAttribute as an array of strings, one for each
 // tag: its name, and where it has a colour a line feed and the colour's number. The desktop's

@@ -4,7 +4,7 @@
 //     if (lock.isHeld()) {
 //       work();                        // until `lock` goes, or lock.unlock()
 //     } else if (lock.record()) {
-//       show((*lock.record())["userName"]);      // who holds it
+//       show(lock.record()->objectForKey("userName"));      // who holds it
 //     }
 //
 // It uses the lock file, and the record in it, of lockFileAtPath (lock_file.h), by stricter steps:

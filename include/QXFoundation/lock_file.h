@@ -8,7 +8,7 @@
 //       work();
 //       unlockFileAtPath(files, "/data/report.txt");
 //     } else if (record) {                               // held: the holder's record
-//       show((*record)["userName"]);
+//       show(record->objectForKey("userName"));
 //     } else {                                           // it could not be written
 //     }
 //
