@@ -20,6 +20,7 @@
 
 namespace qx {
 
+// The extended attribute that holds a file's tags.
 inline constexpr char kColorTagsAttribute[] = "com.apple.metadata:_kMDItemUserTags";
 
 // A tag. The class is "QXColorTag"; "name" and "color" are its keys. Belongs to one thread at a
@@ -30,6 +31,7 @@ class QX_EXPORT QXColorTag : public Object {
   static Ref<QXColorTag> colorTagWithName(StringArg name, std::int32_t andColor);
   static Ref<QXColorTag> initWithName(StringArg name, std::int32_t andColor);
 
+  // What the tag was made with, or given since.
   const Ref<String>& name() const { return name_; }
   std::int32_t color() const { return color_; }
   // Keeps the name in its canonical decomposition (normal form D).
@@ -57,6 +59,7 @@ class QX_EXPORT QXColorTag : public Object {
 // Tags to their names and back. The class is "QXColorTagFormatter". Thread-safe.
 class QX_EXPORT QXColorTagFormatter : public Formatter {
  public:
+  // A new formatter; all are alike.
   static Ref<QXColorTagFormatter> init();
 
   // The name of a tag; anything else as it is.
