@@ -12,7 +12,8 @@ set -euo pipefail
 
 build=(g++ cmake ninja-build ccache pkg-config libutf8proc-dev libfmt-dev liburiparser-dev
   libboost-dev libcli11-dev nlohmann-json3-dev)
-test=(libgtest-dev libgmock-dev python3 binutils libexpat1-dev libplist-utils tzdata)
+test=(libgtest-dev libgmock-dev python3 binutils libexpat1-dev libplist-utils tzdata
+  dpkg-dev zsh)
 bench=(libbenchmark-dev libplist-dev libabsl-dev libsqlite3-dev qtbase5-dev libglib2.0-dev
   libhowardhinnant-date-dev libuv1-dev qt6-base-dev)
 hosting=(libglib2.0-dev libuv1-dev qt6-base-dev)
