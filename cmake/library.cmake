@@ -4,6 +4,8 @@
 set(qxfoundation_folders
     frame platform qualifiers ordering preferences files values collections threads library)
 
+include(CheckLinkerFlag)
+
 list(TRANSFORM qxfoundation_folders PREPEND ${PROJECT_SOURCE_DIR}/ OUTPUT_VARIABLE source_patterns)
 list(TRANSFORM source_patterns APPEND /*.cpp)
 file(GLOB_RECURSE qxfoundation_sources CONFIGURE_DEPENDS ${source_patterns})
@@ -39,6 +41,13 @@ else()
   # Sanitizer runtimes are linked to the program alone and leave references open.
   if(NOT QXFOUNDATION_SANITIZE)
     target_link_options(qxfoundation PRIVATE LINKER:--no-undefined)
+  endif()
+  # Loading looks up by name only what other libraries have, and patches the rest from a compact table: that
+  # halves what the dynamic linker reads and writes.
+  target_link_options(qxfoundation PRIVATE LINKER:-Bsymbolic-functions)
+  check_linker_flag(CXX LINKER:-z,pack-relative-relocs qxfoundation_linker_packs)
+  if(qxfoundation_linker_packs)
+    target_link_options(qxfoundation PRIVATE LINKER:-z,pack-relative-relocs)
   endif()
 endif()
 add_library(QXFoundation::QXFoundation ALIAS qxfoundation)

@@ -16,8 +16,20 @@ target_link_libraries(
              PkgConfig::QXFOUNDATION_libutf8proc)
 file(RELATIVE_PATH bin_to_lib /${CMAKE_INSTALL_BINDIR} /${CMAKE_INSTALL_LIBDIR})
 set_target_properties(qx PROPERTIES CXX_EXTENSIONS OFF INSTALL_RPATH "$ORIGIN/${bin_to_lib}")
-install(TARGETS qx)
+install(TARGETS qx COMPONENT tool)
 
 if(EXISTS ${PROJECT_SOURCE_DIR}/tools/qx/qx.1)
-  install(FILES ${PROJECT_SOURCE_DIR}/tools/qx/qx.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+  install(FILES ${PROJECT_SOURCE_DIR}/tools/qx/qx.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tool)
 endif()
+
+install(FILES ${PROJECT_SOURCE_DIR}/tools/qx/completion/qx.bash RENAME qx COMPONENT tool
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
+# zsh looks for what packages bring in another folder than for what is installed by hand.
+install(CODE "
+  set(folder site-functions)
+  if(CMAKE_INSTALL_PREFIX MATCHES \"/usr$\")
+    set(folder vendor-completions)
+  endif()
+  file(INSTALL \"${PROJECT_SOURCE_DIR}/tools/qx/completion/_qx\"
+       DESTINATION \"\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_DATADIR}/zsh/\${folder}\")
+" COMPONENT tool)

@@ -1,3 +1,12 @@
+// Boost includes <iostream>, which it does not need, and with which libstdc++ before version 13
+// brings an object to be constructed whenever the library is loaded. What it does need of streams
+// is declared by these.
+#include <istream>
+#include <ostream>
+#if defined(_GLIBCXX_RELEASE) && _GLIBCXX_RELEASE < 13
+#define _GLIBCXX_IOSTREAM 1
+#endif
+
 #include <boost/multiprecision/cpp_int.hpp>
 #include <cmath>
 #include <cstdint>

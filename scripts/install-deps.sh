@@ -7,16 +7,17 @@
 #   test    build, and what the tests need
 #   bench   build, and what the benchmarks need
 #   hosting the loops of other libraries inside which examples show a run loop
-#   ci      all of these, the second compiler with its sanitizers and fuzz engine, and the formatter
+#   ci      all of these, the second compiler with its sanitizers and fuzz engine, the formatter, and what makes the API reference
 set -euo pipefail
 
 build=(g++ cmake ninja-build ccache pkg-config libutf8proc-dev libfmt-dev liburiparser-dev
   libboost-dev libcli11-dev nlohmann-json3-dev)
-test=(libgtest-dev libgmock-dev python3 binutils libexpat1-dev libplist-utils tzdata)
+test=(libgtest-dev libgmock-dev python3 binutils libexpat1-dev libplist-utils tzdata
+  dpkg-dev zsh)
 bench=(libbenchmark-dev libplist-dev libabsl-dev libsqlite3-dev qtbase5-dev libglib2.0-dev
   libhowardhinnant-date-dev libuv1-dev qt6-base-dev)
 hosting=(libglib2.0-dev libuv1-dev qt6-base-dev)
-ci=(clang-19 libclang-rt-19-dev llvm-19 clang-format-19 util-linux)
+ci=(clang-19 libclang-rt-19-dev llvm-19 clang-format-19 util-linux doxygen)
 
 usage() {
   echo "usage: install-deps.sh build|test|bench|hosting|ci ..." >&2

@@ -30,6 +30,7 @@ namespace qx {
 // Objects may be nested this deep in an archive.
 inline constexpr std::size_t kMaxArchiveDepth = 512;
 
+// Writes values, one after the other, into an archive.
 class QX_EXPORT Archiver {
  public:
   Archiver();
@@ -53,6 +54,7 @@ class QX_EXPORT Archiver {
   std::unique_ptr<State> state_;
 };
 
+// Reads the values of an archive in the order in which they were written.
 class QX_EXPORT Unarchiver {
  public:
   // Reads what an Archiver wrote. The bytes are copied. Nil raises.

@@ -26,6 +26,7 @@ class QX_EXPORT Array : public Object {
   static Ref<Array> from(const PropertyValue* first, std::size_t count);
   static Ref<Array> init();
 
+  // The number of elements.
   std::size_t count() const { return count_; }
   // Raises RangeException at or beyond the count.
   const PropertyValue& objectAtIndex(std::size_t index) const;
@@ -70,6 +71,8 @@ class QX_EXPORT Array : public Object {
 class QX_EXPORT MutableArray : public Array {
  public:
   MutableArray();
+  // An empty array, a copy of these values, an empty array with room for so many. Raises as
+  // Array::from does.
   static Ref<MutableArray> init();
   static Ref<MutableArray> from(const PropertyValue* first, std::size_t count);
   static Ref<MutableArray> arrayWithCapacity(std::size_t capacity);

@@ -24,6 +24,8 @@ class QX_EXPORT AttributedString : public Object {
   static Ref<AttributedString> initWithString(StringArg text);
   static Ref<AttributedString> initWithString(StringArg text, In<Dictionary> attributes);
 
+  // The text alone, its length in UTF-16 code units, and the number of runs with the same
+  // attributes.
   Ref<String> string() const { return text_; }
   std::size_t length() const { return text_->length(); }
   std::size_t runCount() const { return runs_.size(); }

@@ -36,6 +36,7 @@ class QX_EXPORT CharacterSet : public Object {
 
   static Ref<CharacterSet> whitespaceCharacterSet();  // category Zs, and the tab
   static Ref<CharacterSet> newlineCharacterSet();     // U+000A to U+000D, U+0085, U+2028, U+2029
+  // White space and newlines together.
   static Ref<CharacterSet> whitespaceAndNewlineCharacterSet();
   static Ref<CharacterSet> letterCharacterSet();           // categories L* and M*
   static Ref<CharacterSet> uppercaseLetterCharacterSet();  // categories Lu and Lt

@@ -23,6 +23,7 @@ class Unarchiver;
 // struct with `static const Protocol& protocol()`; see ClassBuilder::conforms.
 class Protocol {
  public:
+  // The name lives for ever (a literal).
   constexpr explicit Protocol(const char* name) : name_(name) {}
   Protocol(const Protocol&) = delete;
   Protocol& operator=(const Protocol&) = delete;
@@ -149,6 +150,7 @@ class QX_EXPORT Class : public Object {
 
  protected:
   friend struct detail::ClassRecord;
+  // Inside the library.
   explicit Class(const detail::ClassRecord* record)
       : Object(detail::ObjectKind::cls, detail::kLeaf), record_(record) {}
 

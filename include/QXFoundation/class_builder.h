@@ -121,6 +121,7 @@ class QX_EXPORT ClassBuilderBase {
 template <class T>
 class ClassBuilder : public detail::ClassBuilderBase {
  public:
+  // Inside the library.
   explicit ClassBuilder(detail::ClassRecord& record) : ClassBuilderBase(record) {}
 
   // The run-time name, by which the class is found. Of two classes of one name the first has it,

@@ -4,6 +4,8 @@
 //     setColorTags(file, qx::array(qx::QXColorTag::colorTagWithName("Work", 6)), &error);
 //     auto tags = colorTagsWithError(file);      // nil where the file has none
 //     if (tags) for (const auto& tag : *tags) use(tag.as<qx::QXColorTag>()->name());
+//     const auto tags = colorTagsWithError(file);   // kept while it is walked
+//     for (const auto& tag : *tags) use(tag.as<qx::QXColorTag>()->name());
 //
 // They are kept in the extended attribute kColorTagsAttribute as an array of strings, one for each
 // tag: its name, and where it has a colour a line feed and the colour's number. The desktop's
@@ -20,6 +22,7 @@
 
 namespace qx {
 
+// The extended attribute that holds a file's tags.
 inline constexpr char kColorTagsAttribute[] = "com.apple.metadata:_kMDItemUserTags";
 
 // A tag. The class is "QXColorTag"; "name" and "color" are its keys. Belongs to one thread at a
@@ -30,6 +33,7 @@ class QX_EXPORT QXColorTag : public Object {
   static Ref<QXColorTag> colorTagWithName(StringArg name, std::int32_t andColor);
   static Ref<QXColorTag> initWithName(StringArg name, std::int32_t andColor);
 
+  // What the tag was made with, or given since.
   const Ref<String>& name() const { return name_; }
   std::int32_t color() const { return color_; }
   // Keeps the name in its canonical decomposition (normal form D).
@@ -57,6 +61,7 @@ class QX_EXPORT QXColorTag : public Object {
 // Tags to their names and back. The class is "QXColorTagFormatter". Thread-safe.
 class QX_EXPORT QXColorTagFormatter : public Formatter {
  public:
+  // A new formatter; all are alike.
   static Ref<QXColorTagFormatter> init();
 
   // The name of a tag; anything else as it is.

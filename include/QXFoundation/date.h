@@ -16,6 +16,7 @@ namespace qx {
 // NaN date equals itself and orders below every other.
 class QX_EXPORT Date : public Object {
  public:
+  // The moment so many seconds after 1970-01-01 (2001-01-01) 00:00:00 UTC.
   static Ref<Date> dateWithTimeIntervalSince1970(double seconds);
   static Ref<Date> dateWithTimeIntervalSinceReferenceDate(double seconds);
   // The present moment.
@@ -25,6 +26,7 @@ class QX_EXPORT Date : public Object {
   static Ref<Date> distantFuture();
   static Ref<Date> distantPast();
 
+  // Seconds after 1970-01-01 00:00:00 UTC.
   double timeIntervalSince1970() const { return seconds_; }
   // The reference date is 2001-01-01 00:00:00 UTC.
   double timeIntervalSinceReferenceDate() const { return seconds_ - kReferenceDate; }

@@ -39,6 +39,7 @@ inline Ref<String> QXDebugMethodMsg(const Object* object, Selector selector, con
 // The two messages with the place where the macro stands.
 #define QX_DEBUG_FUNCTION_MSG(message) \
   (::qx::QXDebugFunctionMsg(__func__, __FILE__, __LINE__, (message)))
+// The same of a method: its object, its selector, the message.
 #define QX_DEBUG_METHOD_MSG(object, selector, message) \
   (::qx::QXDebugMethodMsg((object), (selector), __FILE__, __LINE__, (message)))
 

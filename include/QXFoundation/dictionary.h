@@ -24,6 +24,7 @@ struct DictionaryStorage;
 
 // One key and value of a dictionary literal.
 struct Entry {
+  // The key, which is not nil, and its value.
   StringArg key;
   PropertyValue value;
 };
@@ -37,6 +38,7 @@ class QX_EXPORT Dictionary : public Object {
   static Ref<Dictionary> from(const Entry* first, std::size_t count);
   static Ref<Dictionary> init();
 
+  // The number of entries.
   std::size_t count() const;
   // Nil when absent, and for a nil key.
   PropertyValue objectForKey(StringArg key) const;
@@ -46,13 +48,16 @@ class QX_EXPORT Dictionary : public Object {
   Ref<Array> allValues() const;
   bool isEqualToDictionary(In<Dictionary> other) const;
 
+  // An entry of the dictionary, borrowed.
   struct Item {
+    // Both are borrowed.
     const String& key;
     const PropertyValue& value;
   };
   // Walks the entries in order; ends with the dictionary's next change.
   class Iterator {
    public:
+    // What every forward iterator does.
     Item operator*() const;
     Iterator& operator++();
     friend bool operator==(const Iterator& a, const Iterator& b) { return a.slot_ == b.slot_; }
@@ -63,6 +68,7 @@ class QX_EXPORT Dictionary : public Object {
     const Dictionary* owner_;
     std::size_t slot_;
   };
+  // The entries in their order; a mutable dictionary's end with its next change.
   Iterator begin() const;
   Iterator end() const;
 
@@ -89,6 +95,7 @@ class QX_EXPORT Dictionary : public Object {
 class QX_EXPORT MutableDictionary : public Dictionary {
  public:
   MutableDictionary();
+  // An empty dictionary; one with the entries of another, where nil counts as empty.
   static Ref<MutableDictionary> init();
   static Ref<MutableDictionary> dictionaryWithDictionary(In<Dictionary> other);
 
@@ -99,6 +106,8 @@ class QX_EXPORT MutableDictionary : public Dictionary {
   virtual void removeObjectForKey(StringArg key);
   virtual void removeAllObjects();
 
+  // Adds the other's entries, replacing those of the same keys; takes them in place of all.
+  // Nil counts as empty.
   virtual void addEntriesFromDictionary(In<Dictionary> other);
   virtual void setDictionary(In<Dictionary> other);
   // Nil as value removes the entry; a nil key raises InvalidArgumentException.

@@ -25,6 +25,7 @@ class QX_EXPORT Error : public Object {
   // Domain NSPOSIXErrorDomain; the description is the system's sentence for the code.
   static Ref<Error> posixError(int code);
 
+  // The kind of failure, its code within that kind, and what else is known; never nil.
   const Ref<String>& domain() const { return domain_; }
   std::int64_t code() const { return code_; }
   const Ref<Dictionary>& userInfo() const { return userInfo_; }

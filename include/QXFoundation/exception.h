@@ -33,6 +33,7 @@ class QX_EXPORT Exception : public std::exception {
 // receiver lacks, nil where an object is needed.
 class QX_EXPORT InvalidArgumentException : public Exception {
  public:
+  // With the sentence that tells what went wrong.
   explicit InvalidArgumentException(std::string reason)
       : Exception(NSInvalidArgumentException, std::move(reason)) {}
   ~InvalidArgumentException() override;
@@ -41,6 +42,7 @@ class QX_EXPORT InvalidArgumentException : public Exception {
 // A broken invariant, such as a lock file that is not the caller's.
 class QX_EXPORT InternalInconsistencyException : public Exception {
  public:
+  // With the sentence that tells what went wrong.
   explicit InternalInconsistencyException(std::string reason)
       : Exception(NSInternalInconsistencyException, std::move(reason)) {}
   ~InternalInconsistencyException() override;
@@ -49,6 +51,7 @@ class QX_EXPORT InternalInconsistencyException : public Exception {
 // An index or range outside what it is applied to.
 class QX_EXPORT RangeException : public Exception {
  public:
+  // With the sentence that tells what went wrong.
   explicit RangeException(std::string reason) : Exception(NSRangeException, std::move(reason)) {}
   ~RangeException() override;
 };
@@ -56,6 +59,7 @@ class QX_EXPORT RangeException : public Exception {
 // An abstract operation reached, a lock file that can not be removed.
 class QX_EXPORT GenericException : public Exception {
  public:
+  // With the sentence that tells what went wrong.
   explicit GenericException(std::string reason)
       : Exception(NSGenericException, std::move(reason)) {}
   ~GenericException() override;
@@ -65,6 +69,7 @@ class QX_EXPORT GenericException : public Exception {
 // nowhere.
 class QX_EXPORT QualifierVariableSubstitutionException : public Exception {
  public:
+  // With the sentence that tells what went wrong.
   explicit QualifierVariableSubstitutionException(std::string reason)
       : Exception(QXQualifierVariableSubstitutionException, std::move(reason)) {}
   ~QualifierVariableSubstitutionException() override;

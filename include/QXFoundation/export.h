@@ -13,7 +13,9 @@
 #pragma once
 
 #if defined(QX_STATIC) && !defined(QX_BUILDING)
+// Nothing to be marked.
 #define QX_EXPORT
 #else
+// Exported from the shared library.
 #define QX_EXPORT __attribute__((visibility("default")))
 #endif

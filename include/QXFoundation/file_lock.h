@@ -4,7 +4,7 @@
 //     if (lock.isHeld()) {
 //       work();                        // until `lock` goes, or lock.unlock()
 //     } else if (lock.record()) {
-//       show((*lock.record())["userName"]);      // who holds it
+//       show(lock.record()->objectForKey("userName"));      // who holds it
 //     }
 //
 // It uses the lock file, and the record in it, of lockFileAtPath (lock_file.h), by stricter steps:
@@ -50,6 +50,7 @@ class QX_EXPORT QXFileLock {
   QXFileLock& operator=(const QXFileLock&) = delete;
   ~QXFileLock();
 
+  // Whether this process holds the lock by this object.
   bool isHeld() const;
   // The record in force: this lock's own while it is held, else the holder's at the time of asking,
   // empty where it could not be read. Nil after a failure.

@@ -72,8 +72,10 @@ class Matching {
   static constexpr bool kIsObject = std::is_base_of_v<Object, T>;
 
  public:
+  // Prepares the qualifier for T; see above for what is refused.
   explicit Matching(In<QXQualifier> qualifier) : bound_(qualifier, classOf<T>()) {}
 
+  // Whether the qualifier accepts the record.
   bool operator()(const T& record) const {
     if constexpr (kIsObject) {
       return bound_.accepts(record);

@@ -18,6 +18,7 @@ class Unarchiver;
 
 // A numerator and a denominator, in this order.
 struct FractionPair {
+  // As they were given.
   std::int64_t numerator = 0;
   std::int64_t denominator = 0;
   friend bool operator==(const FractionPair&, const FractionPair&) = default;
@@ -47,10 +48,12 @@ class QX_EXPORT QXFractionNumber : public Number {
   static Ref<QXFractionNumber> qxFractionNumberWithFloat(float x);
   static Ref<QXFractionNumber> qxFractionNumberWithDouble(double x);
 
+  // The same as the functions above.
   static Ref<QXFractionNumber> initWithNumerator(std::int64_t numerator, std::int64_t denominator);
   static Ref<QXFractionNumber> initWithFloat(float x);
   static Ref<QXFractionNumber> initWithDouble(double x);
 
+  // The parts as they stand, reduced.
   std::int64_t numerator() const { return pair_.numerator; }
   std::int64_t denominator() const { return pair_.denominator; }
   // The quotient cut toward zero; 0 for the denominator 0.
@@ -81,6 +84,7 @@ class QX_EXPORT QXFractionNumber : public Number {
   // Reduces the pair in place, as numerator and denominator given are at construction.
   void normalize();
 
+  // The views of a number, as told above for the class.
   NumberKind kind() const override { return NumberKind::real; }
   int intValue() const override;
   unsigned unsignedIntValue() const override;
@@ -94,6 +98,7 @@ class QX_EXPORT QXFractionNumber : public Number {
   // A new fraction of the same pair.
   Ref<Object> copy() const override;
 
+  // The numerator, then the denominator.
   void encodeWithCoder(Archiver& archiver) const;
   void decodeWithCoder(Unarchiver& unarchiver);
 

@@ -46,8 +46,10 @@ concept TellsFit = requires(const PropertyValue& v) {
 
 }  // namespace detail
 
+// The kinds of C++ types that the library knows.
 template <detail::Viewed M>
 struct FromValue<M> {
+  // What every specialisation does, as told above.
   static bool fits(const PropertyValue& v) {
     if constexpr (std::same_as<M, std::string>) {
       return v.isString();
@@ -55,6 +57,7 @@ struct FromValue<M> {
       return v.to<M>().has_value();
     }
   }
+  // As told above.
   static const char* wanted() {
     if constexpr (std::same_as<M, bool>) {
       return "a bool";
@@ -64,18 +67,23 @@ struct FromValue<M> {
       return detail::Floating<M> ? "a number" : "a string";
     }
   }
+  // As told above.
   static M get(const PropertyValue& v) {
     auto x = v.to<M>();
     if (!x) detail::raiseKind(wanted(), v);
     return *std::move(x);
   }
 };
+// Any value as it is.
 template <>
 struct FromValue<PropertyValue> {
+  // The value.
   static PropertyValue get(const PropertyValue& v) { return v; }
 };
+// Objects of a class; nil gives nil.
 template <class T>
-struct FromValue<Ref<T>> {  // nil gives nil
+struct FromValue<Ref<T>> {
+  // As told above.
   static bool fits(const PropertyValue& v) { return v.isNil() || v.as<T>() != nullptr; }
   static const char* wanted() { return classOf<T>().name(); }
   static Ref<T> get(const PropertyValue& v) {
@@ -84,8 +92,10 @@ struct FromValue<Ref<T>> {  // nil gives nil
     return r;
   }
 };
+// What may be missing: nil gives nothing.
 template <class M>
-struct FromValue<std::optional<M>> {  // nil gives nothing
+struct FromValue<std::optional<M>> {
+  // As told above.
   static bool fits(const PropertyValue& v)
     requires detail::TellsFit<M>
   {

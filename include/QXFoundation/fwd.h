@@ -36,8 +36,10 @@ class ClassBuilder;
 // The type of `qx::null`, the one explicit "no value" object. It can be stored in containers; nil
 // can not.
 struct Null {
+  // For the one below.
   explicit constexpr Null(int) {}
 };
+// The null object.
 inline constexpr Null null{0};
 
 // Three-way result of `compare` and its like, receiver against argument.

@@ -8,13 +8,17 @@
 
 namespace qx {
 
+// A place.
 struct Point {
+  // Equal where both are.
   double x = 0;
   double y = 0;
   friend bool operator==(const Point&, const Point&) = default;
 };
 
+// A rectangle by its corner, its width and its height.
 struct Rect {
+  // Equal where all four are.
   double x = 0;
   double y = 0;
   double width = 0;

@@ -19,6 +19,7 @@ namespace qx {
 
 // A moment as seconds since 1970-01-01 00:00:00 UTC and microseconds.
 struct TimeValue {
+  // The two parts; equal where both are.
   std::int64_t seconds = 0;
   std::int32_t microseconds = 0;
   friend bool operator==(const TimeValue&, const TimeValue&) = default;
@@ -54,6 +55,7 @@ template <Utf8Text S>
 // nil.
 [[nodiscard]] QX_EXPORT Ref<String> qxISO8601String(In<Date> date);
 
+// The date of the pair, its microseconds added to its seconds.
 [[nodiscard]] QX_EXPORT Ref<Date> qxDateWithTimeVal(const TimeValue& value);
 
 // Seconds cut toward zero, microseconds those after the second before: for a date before 1970 that

@@ -8,7 +8,7 @@
 //       work();
 //       unlockFileAtPath(files, "/data/report.txt");
 //     } else if (record) {                               // held: the holder's record
-//       show((*record)["userName"]);
+//       show(record->objectForKey("userName"));
 //     } else {                                           // it could not be written
 //     }
 //
@@ -58,6 +58,7 @@ enum class LockHolder : unsigned char {
   gone,     // it was on this machine and has ended: the lock is taken over by who asks next
   unknown,  // it can not be judged from here: of another machine, or the record names no process
 };
+// Judges the process that the record names.
 QX_EXPORT LockHolder holderOfLockRecord(In<Dictionary> record);
 
 // The record of the lock of a file as it is now; nil where there is no lock, an empty dictionary

@@ -35,6 +35,7 @@ class QX_EXPORT Notification : public Object {
   static Ref<Notification> notificationWithName(StringArg name, const PropertyValue& object,
                                                 In<Dictionary> userInfo);
 
+  // What it was made with.
   const Ref<String>& name() const { return name_; }
   const PropertyValue& object() const { return object_; }
   const Ref<Dictionary>& userInfo() const { return userInfo_; }
@@ -87,6 +88,7 @@ class NotificationAction {
 class [[nodiscard("the observation ends with this object: keep it")]] Observation {
  public:
   Observation() = default;
+  // The observation moves; the one that was there ends.
   Observation(Observation&& other) noexcept : record_(std::exchange(other.record_, nullptr)) {}
   Observation& operator=(Observation&& other) noexcept {
     std::swap(record_, other.record_);
@@ -108,6 +110,7 @@ class [[nodiscard("the observation ends with this object: keep it")]] Observatio
 // "NSNotificationCenter".
 class QX_EXPORT NotificationCenter : public Object {
  public:
+  // A new center, without observers.
   static Ref<NotificationCenter> init();
 
   // `observer` performs `selector` with the notification as its argument, for every notification of

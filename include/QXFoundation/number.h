@@ -26,6 +26,7 @@ struct NumericValue;
 // lenient ones.
 class QX_EXPORT Number : public Object {
  public:
+  // How the number was made, and its lenient views, as PropertyValue's.
   virtual NumberKind kind() const;
   virtual int intValue() const;
   virtual unsigned unsignedIntValue() const;
@@ -71,6 +72,7 @@ class QX_EXPORT DecimalNumber : public Number {
   static Ref<DecimalNumber> fromNumber(const PropertyValue& number);
   static Ref<DecimalNumber> notANumber();
 
+  // Whether this is the value that is no number.
   bool isNaN() const;
   // Rounded half away from zero where 38 digits do not hold the result; division by zero gives NaN.
   // Nil raises InvalidArgumentException, by selector a number of another class too.
@@ -80,6 +82,7 @@ class QX_EXPORT DecimalNumber : public Number {
   Ref<DecimalNumber> decimalNumberByDividingBy(In<DecimalNumber> other) const;
 
   std::string stringValue() const override;
+  // A decimal number.
   NumberKind kind() const override { return NumberKind::decimal; }
   detail::NumericValue numeric() const override;
 

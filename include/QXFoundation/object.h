@@ -127,6 +127,7 @@ class QX_EXPORT Object {
   virtual PropertyValue valueForUndefinedKey(StringArg key) const;
   virtual void setValueForUndefinedKey(const PropertyValue& value, StringArg key);
 
+  // Counts a reference, and gives one up; the last one destroys the object. Ref does both.
   void retain() const noexcept { detail::addReferences(refs_, kOne); }
   void release() const noexcept {
     if ((detail::dropReferences(refs_, kOne) & ~kWatched) == kOne) destroy();
@@ -147,6 +148,7 @@ class QX_EXPORT Object {
 
  protected:
   constexpr Object() = default;
+  // Inside the library.
   explicit constexpr Object(detail::ObjectKind kind, unsigned bits = 0)
       : kind_(kind), bits_(static_cast<std::uint8_t>(bits)) {}
   virtual ~Object() = default;
@@ -169,9 +171,11 @@ class QX_EXPORT Object {
 template <class T>
 class Ref {
  public:
+  // What the handle refers to.
   using element_type = T;
 
   constexpr Ref() = default;
+  // From nil, an object, or another handle. An object given as a pointer is counted once more.
   constexpr Ref(std::nullptr_t) {}
   Ref(T* p) : p_(p) {
     if (p_ != nullptr) p_->retain();
@@ -200,6 +204,8 @@ class Ref {
   }
   [[nodiscard]] T* leak() { return std::exchange(p_, nullptr); }
 
+  // The object, borrowed; the operators raise InvalidArgumentException for nil. What `*f()` of
+  // a function gives lives as long as the expression: a loop over it needs a named Ref.
   T* get() const { return p_; }
   T& operator*() const { return *checked(); }
   T* operator->() const { return checked(); }
@@ -222,6 +228,7 @@ class Ref {
 template <class T>
 class In {
  public:
+  // From nil, an object, a handle.
   constexpr In(std::nullptr_t) {}
   constexpr In(T& r) : p_(&r) {}
   constexpr In(T* p) : p_(p) {}
@@ -232,6 +239,7 @@ class In {
     requires std::is_convertible_v<U*, T*>
   In(In<U> r) : p_(r.get()) {}
 
+  // The object; the operators raise InvalidArgumentException for nil.
   T* get() const { return p_; }
   T* operator->() const {
     if (p_ == nullptr) [[unlikely]]

@@ -47,6 +47,7 @@ class QX_EXPORT PointerArray : public Object {
 
   // Inside the library.
   enum class Memory : unsigned char { raw, strong, weak };
+  // Inside the library.
   PointerArray(detail::Passkey, Memory memory) : memory_(memory) {}
 
  protected:

@@ -20,6 +20,7 @@ namespace qx {
 
 // What a port's delegate implements; its class declares so with `builder.conforms<PortDelegate>()`.
 struct QX_EXPORT PortDelegate {
+  // The protocol as a value.
   static const Protocol& protocol();
   // On the thread whose run loop the port is scheduled in. The message may be the port's own, which
   // the next one overwrites: what is to be kept beyond the call is retained (a retained message is
@@ -39,6 +40,7 @@ struct PortState;
 // how many wait. Everything else belongs to the thread of the run loop that it is scheduled in.
 class QX_EXPORT Port : public Object {
  public:
+  // A new port, scheduled nowhere.
   static Ref<Port> port();
 
   // Who is told of messages, referred to weakly: an object that conforms to PortDelegate, or one

@@ -25,6 +25,7 @@ concept PreferenceType =
 // Both texts live as long as the key: literals, as a rule.
 template <PreferenceType T>
 struct PreferenceKey {
+  // The key path, and the value of those who never chose one.
   using Standard = std::conditional_t<std::same_as<T, std::string>, std::string_view, T>;
   const char* path;
   Standard standard;

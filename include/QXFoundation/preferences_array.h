@@ -15,11 +15,14 @@ namespace qx {
 // `emptyInstance` passes its class on to arrays among the elements that addObjectsFromArray adds.
 class QX_EXPORT QXPreferencesArray : public MutableArray {
  public:
+  // An array that reports its changes to the store, empty or with these contents; without a
+  // store it is a plain one. Nil contents count as none.
   static Ref<QXPreferencesArray> init();
   static Ref<QXPreferencesArray> initWithPreferences(In<QXPreferences> preferences);
   static Ref<QXPreferencesArray> initWithArray(In<Array> contents, In<QXPreferences> preferences);
   static Ref<QXPreferencesArray> arrayWithArray(In<Array> contents, In<QXPreferences> preferences);
 
+  // The store to report to from now on; nil for none.
   void setPreferences(In<QXPreferences> preferences);
   // Nil without a store.
   Ref<QXPreferences> preferences() const;

@@ -22,6 +22,7 @@
 
 namespace qx {
 
+// The two formats.
 enum class PropertyListFormat : std::uint8_t { xml, binary };
 
 // What is made mutable when a property list is read. Leaves are strings and data; keys never are.

@@ -51,6 +51,7 @@ enum class NumberKind : std::uint8_t {
 class PropertyValue {
  public:
   constexpr PropertyValue() = default;
+  // From nil, null, a bool, a number, a text.
   constexpr PropertyValue(std::nullptr_t) {}
   constexpr PropertyValue(Null) : word_(kNull) {}
   template <std::same_as<bool> B>
@@ -105,6 +106,7 @@ class PropertyValue {
   PropertyValue(C) = delete;            // say "c" (text) or int{c} (number)
   PropertyValue(long double) = delete;  // say double(x)
 
+  // Copies share objects; a value that was moved from is nil.
   PropertyValue(const PropertyValue& v) noexcept : word_(v.word_) {
     if (const Object* o = object()) o->retain();
   }
@@ -126,6 +128,7 @@ class PropertyValue {
   // Presence is `v != nullptr`, truth is `v.boolValue()`: a stored false is present.
   explicit operator bool() const = delete;
 
+  // Which kind it is; none of the kinds holds for nil. A bool is a number too.
   constexpr bool isNil() const { return word_ == 0; }
   constexpr bool isNull() const { return word_ == kNull; }
   bool isNumber() const;
@@ -218,6 +221,7 @@ class PropertyValue {
   QX_EXPORT ComparisonResult compare(const PropertyValue& other) const;
   QX_EXPORT ComparisonResult caseInsensitiveCompare(const PropertyValue& other) const;
 
+  // Value equality, across the kinds of numbers.
   friend bool operator==(const PropertyValue& a, const PropertyValue& b) {
     return isEqualImpl(a, b);
   }
@@ -326,6 +330,7 @@ class PropertyValue {
   Word word_ = 0;
 };
 
+// Identity; see PropertyValue.
 bool isSame(const PropertyValue& a, const PropertyValue& b);
 // Value equality; nil equals nil.
 inline bool isEqual(const PropertyValue& a, const PropertyValue& b) { return a == b; }
@@ -362,6 +367,7 @@ std::optional<T> PropertyValue::to() const {
   }
 }
 
+// The object as a T, borrowed from this value; null for an inline number.
 template <class T>
 T* PropertyValue::peek() const& {
   Object* o = object();

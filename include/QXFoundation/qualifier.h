@@ -69,6 +69,7 @@ struct QualifierCoding;
 // What every qualifier implements. Any object that declares it may stand among the members of and,
 // or.
 struct QX_EXPORT QXQualifierEvaluation {
+  // The protocol as a value, and whether the object is accepted.
   static const Protocol& protocol();
   virtual bool evaluateWithObject(const PropertyValue& object) const = 0;
 
@@ -79,6 +80,7 @@ struct QX_EXPORT QXQualifierEvaluation {
 // An evaluated object that answers comparisons with a constant itself; it is not asked for values
 // then. The key is nil where the qualifier's is.
 struct QX_EXPORT QXKeyValueQualifierEvaluation {
+  // The protocol as a value, and the answer to a comparison.
   static const Protocol& protocol();
   virtual bool evaluateWithKey(StringArg key, Selector operatorSelector,
                                const PropertyValue& value) const = 0;
@@ -89,6 +91,7 @@ struct QX_EXPORT QXKeyValueQualifierEvaluation {
 
 // The same for comparisons of two keys.
 struct QX_EXPORT QXKeyComparisonQualifierEvaluation {
+  // The protocol as a value, and the answer to a comparison.
   static const Protocol& protocol();
   virtual bool evaluateWithLeftKey(StringArg leftKey, Selector operatorSelector,
                                    StringArg rightKey) const = 0;
@@ -103,6 +106,7 @@ struct QX_EXPORT QXKeyComparisonQualifierEvaluation {
 // `evaluateWithObject`, which is called wherever the qualifier stands in a tree.
 class QX_EXPORT QXQualifier : public Object, public QXQualifierEvaluation {
  public:
+  // A qualifier that accepts nothing.
   static Ref<QXQualifier> init();
 
   // A new array of the nine operator texts: = != <= < >= > contains like caseInsensitiveLike.
@@ -182,6 +186,7 @@ QX_EXPORT Ref<Array> listAlternateQualifiers(const In<QXQualifier>* first, std::
 class QX_EXPORT QXAndQualifier : public QXQualifier {
  public:
   QXAndQualifier() = default;
+  // As initWithQualifierArray; without members.
   explicit QXAndQualifier(In<Array> qualifiers) : qualifiers_(qualifiers.get()) {}
   static Ref<QXAndQualifier> init();
   // Keeps the very array: changes of a mutable one change the qualifier.
@@ -194,6 +199,7 @@ class QX_EXPORT QXAndQualifier : public QXQualifier {
     return initWithQualifierArray(detail::listQualifiers(list, sizeof...(Q)));
   }
 
+  // The members; nil where none were given.
   const Ref<Array>& qualifiers() const { return qualifiers_; }
   bool evaluateWithObject(const PropertyValue& object) const override;
   // Shares the members, in a copy of the array.
@@ -209,6 +215,7 @@ class QX_EXPORT QXAndQualifier : public QXQualifier {
 class QX_EXPORT QXOrQualifier : public QXQualifier {
  public:
   QXOrQualifier() = default;
+  // As initWithQualifierArray; without members.
   explicit QXOrQualifier(In<Array> qualifiers) : qualifiers_(qualifiers.get()) {}
   static Ref<QXOrQualifier> init();
   // Keeps the very array: changes of a mutable one change the qualifier.
@@ -222,6 +229,7 @@ class QX_EXPORT QXOrQualifier : public QXQualifier {
     return initWithQualifierArray(detail::listAlternateQualifiers(list, sizeof...(Q)));
   }
 
+  // The members; nil where none were given.
   const Ref<Array>& qualifiers() const { return qualifiers_; }
   bool evaluateWithObject(const PropertyValue& object) const override;
   Ref<Object> copy() const override;
@@ -235,10 +243,12 @@ class QX_EXPORT QXOrQualifier : public QXQualifier {
 class QX_EXPORT QXNotQualifier : public QXQualifier {
  public:
   QXNotQualifier() = default;
+  // The opposite of that qualifier, or of none.
   explicit QXNotQualifier(In<QXQualifier> qualifier) : qualifier_(qualifier.get()) {}
   static Ref<QXNotQualifier> init();
   static Ref<QXNotQualifier> initWithQualifier(In<QXQualifier> qualifier);
 
+  // The qualifier that is turned round, or nil.
   const Ref<QXQualifier>& qualifier() const { return qualifier_; }
   bool evaluateWithObject(const PropertyValue& object) const override;
   // Copies its qualifier too.
@@ -258,6 +268,7 @@ class QX_EXPORT QXNotQualifier : public QXQualifier {
 class QX_EXPORT QXKeyValueQualifier : public QXQualifier {
  public:
   QXKeyValueQualifier();
+  // As initWithKey; without key, selector and value.
   QXKeyValueQualifier(StringArg key, SelectorFor<1> operatorSelector, const PropertyValue& value);
   static Ref<QXKeyValueQualifier> init();
   // Any operation of one argument that answers a bool will do; the null selector is false for every
@@ -267,6 +278,7 @@ class QX_EXPORT QXKeyValueQualifier : public QXQualifier {
   static Ref<QXKeyValueQualifier> initWithKey(StringArg key, SelectorFor<1> operatorSelector,
                                               const PropertyValue& value);
 
+  // What it was made with.
   const Ref<String>& key() const;
   Selector selector() const;
   const PropertyValue& value() const;
@@ -289,12 +301,15 @@ class QX_EXPORT QXKeyValueQualifier : public QXQualifier {
 class QX_EXPORT QXKeyComparisonQualifier : public QXQualifier {
  public:
   QXKeyComparisonQualifier();
+  // With these keys and this operation, or without any. The rules for selectors are those of
+  // QXKeyValueQualifier.
   QXKeyComparisonQualifier(StringArg leftKey, SelectorFor<1> operatorSelector, StringArg rightKey);
   static Ref<QXKeyComparisonQualifier> init();
   static Ref<QXKeyComparisonQualifier> initWithLeftKey(StringArg leftKey,
                                                        SelectorFor<1> operatorSelector,
                                                        StringArg rightKey);
 
+  // What it was made with.
   const Ref<String>& leftKey() const;
   Selector selector() const;
   const Ref<String>& rightKey() const;
@@ -317,10 +332,12 @@ class QX_EXPORT QXKeyComparisonQualifier : public QXQualifier {
 class QX_EXPORT QXQualifierVariable : public Object {
  public:
   QXQualifierVariable() = default;
+  // A variable of that name.
   explicit QXQualifierVariable(StringArg key) : key_(key.string()) {}
   static Ref<QXQualifierVariable> variableWithKey(StringArg key);
   static Ref<QXQualifierVariable> initWithKey(StringArg key);
 
+  // The name.
   const Ref<String>& key() const { return key_; }
   // "$name"
   std::string description() const override;

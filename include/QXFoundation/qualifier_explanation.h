@@ -24,6 +24,7 @@ namespace qx {
 
 // Something in a format that is accepted and may not be meant.
 struct FormatRemark {
+  // What it is.
   enum class Kind {
     comparisonDropped,     // the word after it differs from the one before it: it is left out
     comparisonRepeated,    // the format ends in a connective: the last comparison counts twice
@@ -42,6 +43,7 @@ struct FormatRemark {
     more,                  // remarks beyond the first thousand are left out
   };
 
+  // Which of these it is.
   Kind kind;
   // Where it begins, in characters (code points) from 1.
   std::size_t column;
@@ -51,6 +53,7 @@ struct FormatRemark {
 
 // What explainQualifierFormat gives.
 struct FormatExplanation {
+  // What the format makes; nil for an empty one.
   Ref<QXQualifier> qualifier;
   // In the order of their columns.
   std::vector<FormatRemark> remarks;
@@ -71,6 +74,7 @@ FormatExplanation QXQualifier::explainQualifierFormat(
 // Why an object passes a qualifier, or fails it.
 class Explanation {
  public:
+  // Inside the library.
   Explanation(bool result, std::string text) : result_(result), text_(std::move(text)) {}
   // What evaluateWithObject gives; false for a nil qualifier.
   bool result() const { return result_; }

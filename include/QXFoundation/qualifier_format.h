@@ -333,6 +333,7 @@ inline constexpr bool kNever = false;
 
 // Text for a format that the compiler does not see; see `runtimeFormat`. Borrows the text.
 struct RuntimeFormat {
+  // The format.
   StringArg text;
 };
 
@@ -345,6 +346,8 @@ inline RuntimeFormat runtimeFormat(StringArg text) { return {text}; }
 template <class... A>
 class FormatString {
  public:
+  // A literal, which the compiler checks against the arguments, or a text that was marked by
+  // runtimeFormat.
   template <std::size_t N>
   consteval FormatString(const char (&literal)[N]) : text_(std::string_view(literal, N - 1)) {
     namespace f = detail::format;
@@ -383,6 +386,7 @@ class FormatString {
     static_assert(N == 0, "a format that is no literal is written qx::runtimeFormat(text)");
   }
 
+  // The format.
   StringArg text() const { return text_; }
 
  private:

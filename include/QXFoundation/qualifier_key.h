@@ -22,6 +22,7 @@ namespace qx {
 // A qualifier that is not nil, as part of an expression. It goes wherever a qualifier is taken.
 class QualifierExpr {
  public:
+  // The qualifier of the expression.
   explicit QualifierExpr(Ref<QXQualifier> qualifier) : qualifier_(std::move(qualifier)) {}
   const Ref<QXQualifier>& qualifier() const { return qualifier_; }
   operator Ref<QXQualifier>() const { return qualifier_; }
@@ -31,6 +32,7 @@ class QualifierExpr {
     return qualifier_->evaluateWithObject(object);
   }
 
+  // Refused: an expression is no condition.
   template <std::same_as<bool> B>
   explicit operator B() const {
     static_assert(detail::format::kNever<B>,
@@ -39,6 +41,7 @@ class QualifierExpr {
     return false;
   }
 
+  // An and-, or- or not-qualifier of these.
   friend QualifierExpr operator&&(const QualifierExpr& a, const QualifierExpr& b) {
     return QualifierExpr(QXAndQualifier::initWithQualifierArray(array(a.qualifier_, b.qualifier_)));
   }
@@ -56,9 +59,11 @@ class QualifierExpr {
 // A key path in an expression; nil is allowed as in the qualifiers' own initialisers.
 class Key {
  public:
+  // The key path.
   explicit Key(StringArg path) : path_(path.string()) {}
   const Ref<String>& path() const { return path_; }
 
+  // Refused: a key is no condition.
   template <std::same_as<bool> B>
   explicit operator B() const {
     static_assert(detail::format::kNever<B>,
@@ -66,6 +71,7 @@ class Key {
     return false;
   }
 
+  // A comparison with a pattern, or with an element.
   QualifierExpr like(const PropertyValue& pattern) const { return with("isLike:", pattern); }
   QualifierExpr caseInsensitiveLike(const PropertyValue& pattern) const {
     return with("isCaseInsensitiveLike:", pattern);
@@ -79,6 +85,7 @@ class Key {
     return QualifierExpr(QXKeyComparisonQualifier::initWithLeftKey(path_, selector, right.path_));
   }
 
+  // A comparison of what stands under the key with a constant.
   friend QualifierExpr operator==(const Key& k, const PropertyValue& v) {
     return k.with("isEqualTo:", v);
   }
@@ -98,6 +105,7 @@ class Key {
     return k.with("isGreaterThanOrEqualTo:", v);
   }
 
+  // A comparison of what stands under two keys.
   friend QualifierExpr operator==(const Key& a, const Key& b) { return a.with("isEqualTo:", b); }
   friend QualifierExpr operator!=(const Key& a, const Key& b) { return a.with("isNotEqualTo:", b); }
   friend QualifierExpr operator<(const Key& a, const Key& b) { return a.with("isLessThan:", b); }
@@ -113,6 +121,7 @@ class Key {
   Ref<String> path_;
 };
 
+// A key path to write expressions with.
 inline Key key(StringArg path) { return Key(path); }
 
 // Misuse, refused with the cure.
@@ -127,6 +136,7 @@ QualifierExpr keyStandsOnTheLeft() {
 }
 }  // namespace detail
 
+// Refused: the key stands on the left.
 template <detail::ValueBeforeKey V>
 QualifierExpr operator!=(const V&, const Key&) {
   return detail::keyStandsOnTheLeft<V>();

@@ -10,6 +10,7 @@
 #include <sys/single_threaded.h>
 #define QX_SINGLE_THREADED __libc_single_threaded
 #else
+// Whether the C library tells that there is one thread alone.
 #define QX_SINGLE_THREADED false
 #endif
 

@@ -18,6 +18,7 @@ namespace qx {
 
 // A date and the offset that its text named.
 struct OffsetDate {
+  // The moment.
   Ref<Date> date;
   int offsetMinutes = 0;      // local time minus UTC, -1439 to 1439
   bool offsetIsKnown = true;  // false for "-00:00": a time in UTC, from a place that is not told

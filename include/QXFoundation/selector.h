@@ -24,6 +24,7 @@ struct SelectorAccess;
 class Selector {
  public:
   constexpr Selector() = default;
+  // The null selector, and that of a literal.
   constexpr Selector(std::nullptr_t) {}
   template <std::size_t M>
   consteval Selector(const char (&text)[M]) {
@@ -34,6 +35,7 @@ class Selector {
   // life of the process: names that come from outside are checked before. Thread-safe.
   QX_EXPORT static Selector named(StringArg text);
 
+  // Whether it names nothing.
   constexpr bool isNull() const { return text_ == nullptr; }
   // The name, UTF-8 with a NUL behind it; empty for the null selector.
   constexpr std::string_view text() const { return {text_ == nullptr ? "" : text_, size_}; }
@@ -45,6 +47,7 @@ class Selector {
     return n;
   }
 
+  // Whether both have one name.
   friend constexpr bool operator==(Selector a, Selector b) {
     return a.hash_ == b.hash_ && (a.text_ == b.text_ || a.text() == b.text());
   }
@@ -69,6 +72,8 @@ class Selector {
 template <std::size_t N>
 class SelectorFor {
  public:
+  // From a literal, whose colons the compiler counts, or from a selector found at run time;
+  // and back.
   template <std::size_t M>
   consteval SelectorFor(const char (&text)[M]) : selector_(text) {
     if (selector_.argumentCount() != N) detail::the_selector_needs_one_colon_for_each_argument();

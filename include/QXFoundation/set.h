@@ -25,6 +25,7 @@ class QX_EXPORT Set : public Object {
   // Of equal members the first stays. A nil array raises InvalidArgumentException.
   static Ref<Set> from(In<Array> members);
 
+  // The number of members, and whether an equal one is there.
   std::size_t count() const;
   bool containsObject(const PropertyValue& value) const { return !member(value).isNil(); }
   // The member equal to the value; nil when there is none.
@@ -45,6 +46,7 @@ class QX_EXPORT Set : public Object {
 
  protected:
   ~Set() override;
+  // Inside the library.
   detail::SetStorage* storage_;
 };
 
@@ -52,6 +54,7 @@ class QX_EXPORT Set : public Object {
 class QX_EXPORT MutableSet : public Set {
  public:
   MutableSet();
+  // An empty set; one of these members, of equal ones the first. Nil counts as none.
   static Ref<MutableSet> init();
   static Ref<MutableSet> from(In<Array> members);
 

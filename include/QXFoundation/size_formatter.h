@@ -19,6 +19,7 @@ namespace qx {
 // Formats only. The class is "QXSizeFormatter". Without state; thread-safe.
 class QX_EXPORT QXSizeFormatter : public Formatter {
  public:
+  // A new formatter; all are alike.
   static Ref<QXSizeFormatter> init();
 
   // The text for that number of bytes. Never nil.

@@ -28,6 +28,7 @@ class QX_EXPORT SortDescriptor : public Object {
   static Ref<SortDescriptor> initWithKey(StringArg key, bool ascending);
   static Ref<SortDescriptor> initWithKey(StringArg key, bool ascending, SelectorFor<1> selector);
 
+  // What it was made with, and the descriptor of the opposite order.
   const Ref<String>& key() const { return key_; }
   bool ascending() const { return ascending_; }
   Selector selector() const { return selector_; }

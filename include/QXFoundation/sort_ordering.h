@@ -38,6 +38,7 @@ QX_EXPORT int compareCaseInsensitiveDescending(const PropertyValue& receiver,
 class QX_EXPORT QXSortOrdering : public Object {
  public:
   QXSortOrdering();
+  // As initWithKey.
   QXSortOrdering(StringArg key, Selector selector);
 
   // The key is one key, no path; with a nil one every object's value is missing. The selector is
@@ -49,6 +50,7 @@ class QX_EXPORT QXSortOrdering : public Object {
   // for objects that are no strings.
   static Ref<QXSortOrdering> initWithCoder(Unarchiver& coder);
 
+  // What it was made with.
   const Ref<String>& key() const { return key_; }
   Selector selector() const { return selector_; }
 

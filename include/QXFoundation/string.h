@@ -30,10 +30,12 @@ struct Passkey {
 
 // Positions and lengths count UTF-16 code units.
 struct Range {
+  // The first position, and the length; equal where both are.
   std::size_t location = 0;
   std::size_t length = 0;
   friend bool operator==(const Range&, const Range&) = default;
 };
+// Where what was looked for is not there.
 inline constexpr std::size_t kNotFound = ~std::size_t{0};
 
 // The normal forms of Unicode.
@@ -51,6 +53,7 @@ class QX_EXPORT String : public Object {
   static Ref<String> fromStrictUtf8(std::string_view bytes);
   static Ref<String> empty();
 
+  // The number of UTF-16 code units.
   std::size_t length() const { return length_; }
   // Raises RangeException at or beyond the length.
   char16_t characterAtIndex(std::size_t index) const;
@@ -58,6 +61,7 @@ class QX_EXPORT String : public Object {
   std::string UTF8String() const { return utf8(); }
   std::u16string utf16() const;
 
+  // By code units, or by folded case; nil as argument raises.
   bool isEqualToString(StringArg other) const;
   ComparisonResult compare(StringArg other) const;
   ComparisonResult caseInsensitiveCompare(StringArg other) const;
@@ -118,9 +122,11 @@ class QX_EXPORT String : public Object {
 // dictionary key it is copied; its hash follows its content.
 class QX_EXPORT MutableString : public String {
  public:
+  // A mutable string of that text; an empty one.
   static Ref<MutableString> from(StringArg text);
   static Ref<MutableString> init();
 
+  // Replaces the whole text; adds behind it. Nil raises.
   void setString(StringArg text);
   void appendString(StringArg text);
   // Ranges that leave the text raise RangeException, and nothing changes.
@@ -131,6 +137,7 @@ class QX_EXPORT MutableString : public String {
   std::size_t hash() const override;
   Ref<Object> copy() const override;
 
+  // Inside the library.
   explicit MutableString(detail::Passkey);
 
  protected:

@@ -25,6 +25,7 @@ concept Utf8Text =
 // Nil, UTF-8 bytes or a String object. Two words; parameter only. Ill-formed UTF-8 reads as U+FFFD.
 class StringArg {
  public:
+  // From nil, UTF-8, a string object.
   constexpr StringArg(std::nullptr_t) {}
   template <class S>
     requires Utf8Text<std::remove_cvref_t<S>>
@@ -41,6 +42,7 @@ class StringArg {
   template <std::integral I>
   StringArg(I) = delete;  // text is wanted here, not a number
 
+  // Whether there is no text.
   constexpr bool isNil() const { return data_ == nullptr; }
   // The text as well-formed UTF-8, empty for nil; lone surrogates of a String become U+FFFD.
   QX_EXPORT std::string utf8() const;

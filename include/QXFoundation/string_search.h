@@ -38,6 +38,7 @@ enum class StringCompareOptions : std::uint32_t {
   forcedOrdering = 512,
 };
 
+// Options together, and whether one is among them.
 constexpr StringCompareOptions operator|(StringCompareOptions a, StringCompareOptions b) {
   return static_cast<StringCompareOptions>(static_cast<std::uint32_t>(a) |
                                            static_cast<std::uint32_t>(b));

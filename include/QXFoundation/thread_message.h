@@ -38,6 +38,7 @@ class QX_EXPORT QXThreadMessage : public Object, public PortDelegate {
   // Makes a port of its own, and schedules it in this thread's run loop for the default mode.
   static Ref<QXThreadMessage> init();
 
+  // The port that calls go through.
   const Ref<Port>& port() const { return port_; }
 
   // Asks for the call, and returns as soon as the port has the message, which never takes longer

@@ -39,6 +39,7 @@ inline constexpr std::int64_t kItemNotFound = std::numeric_limits<std::int64_t>:
 // nodes operations of their own.
 class QX_EXPORT QXTree : public Object {
  public:
+  // A node without parent and children, with this object.
   static Ref<QXTree> init();
   static Ref<QXTree> initWithObject(const PropertyValue& object);
 
@@ -55,6 +56,7 @@ class QX_EXPORT QXTree : public Object {
   // The list of the children itself, not a copy; nil before the first child came.
   Ref<MutableArray> childs() const { return childs_; }
 
+  // Whether it has no children, and how many there are.
   bool isLeaf() const { return count() == 0; }
   std::size_t count() const { return childs_ == nullptr ? 0 : childs_->count(); }
   // Nil for a node without a list; an index beyond its end raises RangeException.

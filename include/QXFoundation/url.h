@@ -50,6 +50,7 @@ class QX_EXPORT URL : public Object {
   static Ref<URL> fileURLWithPath(StringArg path);
   static Ref<URL> fileURLWithPath(StringArg path, bool isDirectory);
 
+  // The whole text.
   Ref<String> absoluteString() const;
   // The same, borrowed from the object.
   std::string_view text() const { return text_; }

@@ -43,6 +43,7 @@ template <class T>
 class WeakRef {
  public:
   WeakRef() = default;
+  // From nil, or an object that it does not keep alive.
   WeakRef(std::nullptr_t) {}
   template <class U>
     requires std::is_convertible_v<U*, T*>

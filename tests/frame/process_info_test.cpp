@@ -19,7 +19,8 @@ TEST(ProcessInfo, GivesTheCommandLineInOrder) {
   std::ifstream file("/proc/self/cmdline", std::ios::binary);
   const std::string bytes{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
   std::string joined;
-  for (const qx::PropertyValue& argument : *qx::ProcessInfo::processInfo()->arguments()) {
+  const auto arguments = qx::ProcessInfo::processInfo()->arguments();
+  for (const qx::PropertyValue& argument : *arguments) {
     joined += argument.description() + '\0';
   }
   EXPECT_EQ(joined, bytes);
