@@ -1,6 +1,7 @@
 #include "qualifiers/bindings.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace qx::detail {
 
@@ -30,7 +31,7 @@ std::size_t Bindings::bind(const Shape& shape) {
   const std::size_t number = makeOne();
   Binding& binding = *bindings_[number];
   binding.layout.bind(program_.keys(), shape);
-  binding.bound.bindToShape(program_, binding.layout);
+  binding.isBound = false;
   const std::size_t steps = std::min(program_.steps().size(), BoundProgram::kMaxBlockSteps);
   for (std::size_t step = 0; step < steps; ++step) {
     const std::uint32_t key = program_.steps()[step].key;
@@ -54,7 +55,9 @@ const Binding& Bindings::of(const Shape& shape) {
     number = bind(shape);
     knownOf(shape) = {&shape, number};
   }
-  return *bindings_[number];
+  Binding& binding = *bindings_[number];
+  if (!std::exchange(binding.isBound, true)) binding.bound.bindToShape(program_, binding.layout);
+  return binding;
 }
 
 const Binding& Bindings::of(const Object& object) {

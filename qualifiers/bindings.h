@@ -17,6 +17,7 @@ namespace qx::detail {
 struct Binding {
   Layout layout;
   BoundProgram bound;
+  bool isBound = false;  // to a shape that was met in blocks alone it is not
 };
 
 // Belongs to one thread. Of very many layouts the oldest are forgotten.
@@ -31,11 +32,10 @@ class Bindings {
   const Binding& of(const Shape& shape);
   const Binding& of(const Object& object);
 
-  // The number of the shape's binding, which `at` and the table of places know it by; kNone where
+  // The number of the shape's binding, which the table of places knows it by; kNone where
   // another would have to be forgotten for it.
   std::size_t numberOf(const Shape& shape);
-  const Binding& at(std::size_t number) const { return *bindings_[number]; }
-  // The program for dictionaries of several layouts, with the places of its steps.
+  // The program for blocks of dictionaries, with the places of its steps in each layout.
   const BoundProgram& words() const { return words_; }
   const PlaceTable& places() const { return places_; }
 

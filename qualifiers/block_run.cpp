@@ -11,6 +11,12 @@ using Way = BoundStep::Way;
 
 constexpr auto kAskNothing = [](Index) {};
 
+// Whether `next` tests what the step has rejected for another text under the same key.
+bool isAlternative(const BoundStep& step, const BoundStep& next) {
+  return next.way == Way::wordText && next.step->key == step.step->key &&
+         next.next[1] == step.next[1] && !step.isNegated && !next.isNegated;
+}
+
 }  // namespace
 
 // All elements have one layout.
@@ -20,6 +26,11 @@ struct BlockRun::OnePlace {
   const PropertyValue& operator()(Index element) const {
     return static_cast<const PropertyValue*>(bases[element])[slot];
   }
+};
+
+// No element has the key.
+struct BlockRun::NoPlace {
+  const PropertyValue& operator()(Index) const { return kNil; }
 };
 
 struct BlockRun::PlaceByLayout {
@@ -34,8 +45,8 @@ struct BlockRun::PlaceByLayout {
 };
 
 // Jumps lead to steps with lower numbers, so that all that reach a step are known when it is taken.
-std::size_t BlockRun::decide(const BoundProgram& program, const PlaceTable* places,
-                             std::size_t count) {
+template <class Take>
+std::size_t BlockRun::decide(const BoundProgram& program, std::size_t count, Take take) {
   program_ = &program;
   first_ = program.steps();
   const std::size_t ends = program.stepCount();
@@ -46,25 +57,34 @@ std::size_t BlockRun::decide(const BoundProgram& program, const PlaceTable* plac
   for (std::size_t i = 0; i < count; ++i) lists_[entry][i] = static_cast<Index>(i);
   counts_[entry] = count;
   for (std::size_t at = std::min(entry + 1, ends); at-- > 0;) {
-    if (counts_[at] != 0) take(first_[at], at, places);
+    if (counts_[at] != 0) take(first_[at], at);
   }
   finish(ends + 1);
   return undecided_;
 }
 
-void BlockRun::take(const BoundStep& step, std::size_t at, const PlaceTable* places) {
-  if (step.way > BoundStep::kLastWordWay) return testFields(step, at);
-  if (places == nullptr) return testWords(step, at, OnePlace{bases_, step.place});
-  testWords(step, at, PlaceByLayout{bases_, layouts_, places->ofStep(at)});
+std::size_t BlockRun::decideObjects(const BoundProgram& program, std::size_t count) {
+  return decide(program, count,
+                [this](const BoundStep& step, std::size_t at) { testFields(step, at); });
+}
+
+std::size_t BlockRun::decideDictionaries(const BoundProgram& program, const PlaceTable& places,
+                                         std::size_t layout, std::size_t count) {
+  return decide(program, count, [&](const BoundStep& step, std::size_t at) {
+    const std::uint8_t* slots = places.ofStep(at);
+    if (layout == kLayoutOfEach) return testWords(step, at, PlaceByLayout{bases_, layouts_, slots});
+    if (slots[layout] == PlaceTable::kAbsent) return testWords(step, at, NoPlace());
+    testWords(step, at, OnePlace{bases_, slots[layout]});
+  });
 }
 
 // Every element is written to both lists, and stays in the one that it belongs to.
 template <class Test, class Ask>
-[[gnu::always_inline]] inline void BlockRun::split(const BoundStep& step, std::size_t at, Test test,
-                                                   Ask ask) {
+[[gnu::always_inline]] inline void BlockRun::split(const BoundStep* const* next, std::size_t at,
+                                                   Test test, Ask ask) {
   constexpr std::size_t kAhead = 16;
-  const auto no = static_cast<std::size_t>(step.next[0] - first_);
-  const auto yes = static_cast<std::size_t>(step.next[1] - first_);
+  const auto no = static_cast<std::size_t>(next[0] - first_);
+  const auto yes = static_cast<std::size_t>(next[1] - first_);
   const Index* const from = lists_[at];
   Index* const rejected = lists_[no] + counts_[no];
   Index* const accepted = lists_[yes] + counts_[yes];
@@ -90,7 +110,7 @@ template <class Read, class Other>
 void BlockRun::testReals(const BoundStep& step, std::size_t at, Read read, Other other) {
   const auto by = [&](auto relation) {
     split(
-        step, at,
+        step.next, at,
         [=, constant = step.real, isNegated = step.isNegated](Index element) {
           double real = 0;
           if (!read(element, real)) [[unlikely]]
@@ -116,7 +136,7 @@ void BlockRun::testWords(const BoundStep& step, std::size_t at, Values values) {
   };
   if (step.way == Way::wordInteger) {
     return split(
-        step, at,
+        step.next, at,
         [=, known = step](Index element) {
           const PropertyValue& v = values(element);
           if (!WordAccess::isInlineSigned(v)) [[unlikely]]
@@ -134,28 +154,26 @@ void BlockRun::testWords(const BoundStep& step, std::size_t at, Values values) {
   testReals(step, at, read, other);
 }
 
-template <class Values, class Other>
-void BlockRun::testTexts(const BoundStep& step, std::size_t at, Values values, Other other) {
-  const auto narrowText = [values, program = program_](Index element) -> const String* {
+template <class Values>
+struct BlockRun::NarrowText {
+  Values values;
+  const BoundProgram* program;
+  // Null where none of the library's own stands there, or a wide one.
+  const String* operator()(Index element) const {
     const String* text = program->immutableText(values(element));
     return text == nullptr || StringStorage::isWide(*text) ? nullptr : text;
-  };
-  const auto askForText = [values](Index element) { __builtin_prefetch(values(element).object()); };
-  if (step.way == Way::wordText) {
-    return split(
-        step, at,
-        [=, known = step](Index element) {
-          const String* text = narrowText(element);
-          if (text == nullptr) [[unlikely]]
-            return other(element);
-          return BoundProgram::acceptsBytes(known, BoundProgram::bytesOf(*text));
-        },
-        askForText);
   }
-  if (step.way != Way::wordPattern) return split(step, at, other, askForText);
+};
+
+template <class Values, class Other>
+void BlockRun::testTexts(const BoundStep& step, std::size_t at, Values values, Other other) {
+  if (step.way == Way::wordText) return testTextsForEquality(step, at, values);
+  const auto askForText = [values](Index element) { __builtin_prefetch(values(element).object()); };
+  if (step.way != Way::wordPattern) return split(step.next, at, other, askForText);
   split(
-      step, at,
-      [=, pattern = step.pattern](Index element) {
+      step.next, at,
+      [=, narrowText = NarrowText<Values>{values, program_},
+       pattern = step.pattern](Index element) {
         const String* text = narrowText(element);
         if (text == nullptr) [[unlikely]]
           return other(element);
@@ -164,10 +182,38 @@ void BlockRun::testTexts(const BoundStep& step, std::size_t at, Values values, O
       askForText);
 }
 
+// "city is one of these" is a chain of equalities, each of which leads on to the next: the text is
+// looked at once for all.
+template <class Values>
+void BlockRun::testTextsForEquality(const BoundStep& step, std::size_t at, Values values) {
+  constexpr std::size_t kMost = 8;
+  const BoundStep* chain[kMost] = {&step};
+  std::size_t length = 1;
+  while (length < kMost && isAlternative(*chain[length - 1], *chain[length - 1]->next[0])) {
+    chain[length] = chain[length - 1]->next[0];
+    ++length;
+  }
+  const BoundStep* const next[] = {chain[length - 1]->next[0], step.next[1]};
+  split(
+      next, at,
+      [&chain, length, values, narrowText = NarrowText<Values>{values, program_},
+       this](Index element) {
+        const String* text = narrowText(element);
+        bool isHit = false;
+        for (std::size_t i = 0; i < length; ++i) {
+          isHit |= text != nullptr
+                       ? BoundProgram::acceptsBytes(*chain[i], BoundProgram::bytesOf(*text))
+                       : !isHit && decideOther(*chain[i], values(element), element);
+        }
+        return isHit;
+      },
+      [values](Index element) { __builtin_prefetch(values(element).object()); });
+}
+
 template <class T>
 void BlockRun::testIntegerFields(const BoundStep& step, std::size_t at) {
   split(
-      step, at,
+      step.next, at,
       [known = step, bases = bases_](Index element) {
         return BoundProgram::acceptsInteger(known, BoundProgram::field<T>(known, bases[element]));
       },
@@ -192,7 +238,7 @@ void BlockRun::testFields(const BoundStep& step, std::size_t at) {
     case Way::pattern:
       return testTextFields(step, at);
     default:
-      return split(step, at, other, kAskNothing);
+      return split(step.next, at, other, kAskNothing);
   }
 }
 
@@ -203,14 +249,14 @@ void BlockRun::testTextFields(const BoundStep& step, std::size_t at) {
   const auto askForBytes = [textOf](Index element) { __builtin_prefetch(textOf(element).data()); };
   if (step.way == Way::text) {
     return split(
-        step, at,
+        step.next, at,
         [=, known = step](Index element) {
           return BoundProgram::acceptsBytes(known, textOf(element));
         },
         askForBytes);
   }
   split(
-      step, at,
+      step.next, at,
       [=, pattern = step.pattern](Index element) { return pattern->matchesBytes(textOf(element)); },
       askForBytes);
 }

@@ -36,10 +36,14 @@ class BlockRun {
   const void** bases() { return bases_; }
   Index* layouts() { return layouts_; }
 
-  // Decides the first of the elements, up to one whose test may run code of the application, and
-  // gives their number. The program suits blocks; without a table it is bound to the layout or the
-  // class that all elements have.
-  std::size_t decide(const BoundProgram& program, const PlaceTable* places, std::size_t count);
+  // Both decide the first of the elements, up to one whose test may run code of the application,
+  // and give their number. The program suits blocks. Objects all are of the class that it is bound
+  // to; dictionaries have values in the places that the table tells for one layout, or for the
+  // layout of each.
+  std::size_t decideObjects(const BoundProgram& program, std::size_t count);
+  std::size_t decideDictionaries(const BoundProgram& program, const PlaceTable& places,
+                                 std::size_t layout, std::size_t count);
+  static constexpr std::size_t kLayoutOfEach = PlaceTable::kLayouts;
 
   // The elements that were decided and accepted, ascending; ends with the next block.
   std::span<const Index> accepted() const { return {accepted_, acceptedCount_}; }
@@ -47,9 +51,13 @@ class BlockRun {
  private:
   // Places of each element's value for a step.
   struct OnePlace;
+  struct NoPlace;
   struct PlaceByLayout;
+  template <class Values>
+  struct NarrowText;
 
-  void take(const BoundStep& step, std::size_t at, const PlaceTable* places);
+  template <class Take>
+  std::size_t decide(const BoundProgram& program, std::size_t count, Take take);
   template <class Values>
   void testWords(const BoundStep& step, std::size_t at, Values values);
   template <class Values, class Other>
@@ -60,8 +68,10 @@ class BlockRun {
   template <class Read, class Other>
   void testReals(const BoundStep& step, std::size_t at, Read read, Other other);
   void testTextFields(const BoundStep& step, std::size_t at);
+  template <class Values>
+  void testTextsForEquality(const BoundStep& step, std::size_t at, Values values);
   template <class Test, class Ask>
-  void split(const BoundStep& step, std::size_t at, Test test, Ask ask);
+  void split(const BoundStep* const* next, std::size_t at, Test test, Ask ask);
   bool decideOther(const BoundStep& step, const PropertyValue& value, Index element);
   bool decideOtherField(const BoundStep& step, Index element);
   void finish(std::size_t acceptedList);

@@ -145,19 +145,22 @@ struct ProgramRun::Elements {
   }
 };
 
-ProgramRun::Gathered ProgramRun::gather(std::size_t start, std::size_t end) {
+// Fewer elements than these are not worth the block's own work.
+constexpr std::size_t kWorthwhile = 8;
+
+std::size_t ProgramRun::decideBlock(std::size_t start, std::size_t end) {
   const Object* first = values_[start].object();
-  if (first == nullptr) return {};
-  if (ObjectAccess::classIndex(*first) == dictionaryClass_) return gatherDictionaries(start, end);
-  return ObjectAccess::kind(*first) == ObjectKind::object ? gatherObjects(start, end) : Gathered();
+  if (first == nullptr || end - start < kWorthwhile) return 0;
+  if (ObjectAccess::classIndex(*first) == dictionaryClass_) return decideDictionaries(start, end);
+  return ObjectAccess::kind(*first) == ObjectKind::object ? decideObjects(start, end) : 0;
 }
 
-ProgramRun::Gathered ProgramRun::gatherDictionaries(std::size_t start, std::size_t end) {
-  if (!bindings_.words().suitsBlocks()) return {};
+std::size_t ProgramRun::decideDictionaries(std::size_t start, std::size_t end) {
+  if (!bindings_.words().suitsBlocks()) return 0;
   const Shape* const shape =
       &DictionaryStorage::shape(static_cast<const Dictionary&>(*values_[start].object()));
   const std::size_t layout = shape->isShared() ? bindings_.numberOf(*shape) : Bindings::kNone;
-  if (layout == Bindings::kNone) return {};
+  if (layout == Bindings::kNone) return 0;
   const Elements elements{values_ + start, count_ - start - 1};
   const std::uint16_t dictionaryClass = dictionaryClass_;
   const void** const bases = block_.bases();
@@ -169,10 +172,15 @@ ProgramRun::Gathered ProgramRun::gatherDictionaries(std::size_t start, std::size
     if (&DictionaryStorage::shape(dictionary) != shape) break;
     bases[same] = DictionaryStorage::fixedValues(dictionary);
   }
-  const BoundProgram& bound = bindings_.at(layout).bound;
-  if (same == end - start && bound.suitsBlocks()) return {same, &bound, nullptr};
-  std::fill_n(block_.layouts(), same, static_cast<BlockRun::Index>(layout));
-  return {gatherMixed(start, same, end), &bindings_.words(), &bindings_.places()};
+  std::size_t count = same;
+  std::size_t layoutOfAll = layout;
+  if (same < end - start) {
+    std::fill_n(block_.layouts(), same, static_cast<BlockRun::Index>(layout));
+    count = gatherMixed(start, same, end);
+    if (count != same) layoutOfAll = BlockRun::kLayoutOfEach;
+  }
+  if (count < kWorthwhile) return 0;
+  return block_.decideDictionaries(bindings_.words(), bindings_.places(), layoutOfAll, count);
 }
 
 // Goes on from the element `from` of the block.
@@ -192,10 +200,10 @@ std::size_t ProgramRun::gatherMixed(std::size_t start, std::size_t from, std::si
   return i;
 }
 
-ProgramRun::Gathered ProgramRun::gatherObjects(std::size_t start, std::size_t end) {
+std::size_t ProgramRun::decideObjects(std::size_t start, std::size_t end) {
   const Object& first = *values_[start].object();
   const BoundProgram& bound = bindings_.of(first).bound;
-  if (!bound.suitsBlocks()) return {};
+  if (!bound.suitsBlocks()) return 0;
   const Elements elements{values_ + start, count_ - start - 1};
   const std::uint16_t classIndex = ObjectAccess::classIndex(first);
   const void** const bases = block_.bases();
@@ -205,14 +213,12 @@ ProgramRun::Gathered ProgramRun::gatherObjects(std::size_t start, std::size_t en
     if (object == nullptr || ObjectAccess::classIndex(*object) != classIndex) break;
     bases[i] = object;
   }
-  return {i, &bound, nullptr};
+  return i < kWorthwhile ? 0 : block_.decideObjects(bound, i);
 }
 
 std::size_t ProgramRun::selectBlock(std::size_t start, std::size_t end, MutableArray& hits) {
-  constexpr std::size_t kWorthwhile = 8;
-  const Gathered gathered = gather(start, end);
-  if (gathered.count < std::min(kWorthwhile, end - start)) return 0;
-  const std::size_t decided = block_.decide(*gathered.program, gathered.places, gathered.count);
+  const std::size_t decided = decideBlock(start, end);
+  if (decided == 0) return 0;
   const auto accepted = block_.accepted();
   ArrayStorage::addPicked(hits, values_ + start, accepted.data(), accepted.size());
   return decided;

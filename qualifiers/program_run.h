@@ -42,17 +42,13 @@ class ProgramRun {
   bool acceptsUnbound(const PropertyValue& value);
   bool acceptsChanging(const Dictionary& dictionary, const PropertyValue& value);
 
-  // Elements of one kind, put into the block; the program that decides them.
-  struct Gathered {
-    std::size_t count = 0;
-    const BoundProgram* program = nullptr;
-    const PlaceTable* places = nullptr;
-  };
+  // Each puts the first of the elements [start, end), as far as they are of one kind, into the
+  // block, decides them, and gives how many are decided.
   struct Elements;
-  Gathered gather(std::size_t start, std::size_t end);
-  Gathered gatherDictionaries(std::size_t start, std::size_t end);
+  std::size_t decideBlock(std::size_t start, std::size_t end);
+  std::size_t decideDictionaries(std::size_t start, std::size_t end);
   std::size_t gatherMixed(std::size_t start, std::size_t from, std::size_t end);
-  Gathered gatherObjects(std::size_t start, std::size_t end);
+  std::size_t decideObjects(std::size_t start, std::size_t end);
 
   // Both add those of the elements [start, end) that are accepted. As a block, as many as go so,
   // and gives their number.
