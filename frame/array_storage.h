@@ -37,7 +37,8 @@ struct ArrayStorage {
 
   // Adds values[picks[0]], values[picks[1]] ... to an array of exactly the class MutableArray,
   // whose primitives nobody overrides.
-  static void addPicked(MutableArray& a, const PropertyValue* values, const std::uint32_t* picks,
+  template <class Index>
+  static void addPicked(MutableArray& a, const PropertyValue* values, const Index* picks,
                         std::size_t count) {
     if (a.capacity_ - a.count_ < count) a.grow(a.count_ + count);
     PropertyValue* to = a.values_ + a.count_;

@@ -210,13 +210,15 @@ void WildcardPattern::chooseShape() {
   const auto isAsciiUnit = [](char16_t unit) { return isAscii(unit); };
   decidesBytes_ = !ignoreCase_ && std::all_of(head_.begin(), head_.end(), isAsciiUnit) &&
                   std::all_of(tail_.begin(), tail_.end(), isAsciiUnit);
+  startsWithLiteral_ = !narrowHead_.empty() && !headIsBehindStar;
+  if (startsWithLiteral_) firstByte_ = narrowHead_.front();
 }
 
 bool WildcardPattern::matches(TextSpan text) const {
   return ignoreCase_ ? matchesFolding(text) : matchesExactly(text);
 }
 
-bool WildcardPattern::matchesBytes(std::string_view bytes) const noexcept {
+bool WildcardPattern::matchesAllBytes(std::string_view bytes) const noexcept {
   return matchesShape<std::string_view>(bytes, narrowHead_, narrowTail_);
 }
 

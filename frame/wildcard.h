@@ -31,7 +31,11 @@ class WildcardPattern {
   // ill-formed ones included, match as their bytes do.
   bool decidesBytes() const noexcept { return decidesBytes_; }
   // Precondition: decidesBytes().
-  bool matchesBytes(std::string_view bytes) const noexcept;
+  bool matchesBytes(std::string_view bytes) const noexcept {
+    // The first byte decides most, without a call.
+    if (startsWithLiteral_ && (bytes.empty() || bytes.front() != firstByte_)) return false;
+    return matchesAllBytes(bytes);
+  }
 
  private:
   // Shapes that plain comparison and search decide; everything else is `general`.
@@ -39,6 +43,7 @@ class WildcardPattern {
 
   void compile(TextSpan pattern);
   void chooseShape();
+  bool matchesAllBytes(std::string_view bytes) const noexcept;
   bool matchesFolding(TextSpan text) const;
   bool matchesFoldedFully(TextSpan text) const;
   bool matchesExactly(TextSpan text) const noexcept;
@@ -48,6 +53,8 @@ class WildcardPattern {
   Shape shape_ = Shape::general;
   bool ignoreCase_ = false;
   bool decidesBytes_ = false;
+  bool startsWithLiteral_ = false;  // with the first byte
+  char firstByte_ = 0;
   bool narrowLiterals_ = true;  // head_ and tail_ fit Latin-1 and are also in the narrow forms
   // Code points, or one of the two markers for `*` and `?`. Adjacent stars are one.
   std::u32string tokens_;

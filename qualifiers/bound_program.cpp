@@ -1,6 +1,6 @@
 #include "qualifiers/bound_program.h"
 
-#include <algorithm>
+#include <limits>
 
 #include "frame/native_field.h"
 #include "qualifiers/value_kinds.h"
@@ -27,10 +27,41 @@ bool asReal(const CompiledTest& test, double& real) {
 
 }  // namespace
 
+// The integers that are accepted are one range, or all but one.
+void BoundProgram::setRange(BoundStep& bound, const CompiledTest& test) {
+  constexpr std::int64_t kLeast = std::numeric_limits<std::int64_t>::min();
+  constexpr std::int64_t kMost = std::numeric_limits<std::int64_t>::max();
+  const std::int64_t n = test.integer();
+  const bool takesEqual = test.accepts(0);
+  // What is above n is what is not at most n, and what is below it what is not at least n.
+  bool isNegated = !takesEqual;
+  std::int64_t low = n;
+  std::int64_t high = n;
+  if (takesEqual ? test.accepts(-1) : test.accepts(1) && !test.accepts(-1)) low = kLeast;
+  if (takesEqual ? test.accepts(1) : test.accepts(-1) && !test.accepts(1)) high = kMost;
+  bound.isNegated = isNegated;
+  bound.low = low;
+  bound.span = static_cast<std::uint64_t>(high) - static_cast<std::uint64_t>(low);
+}
+
+// The relation to a constant that doubles are compared with directly; NaN orders below.
+bool BoundProgram::setRelation(BoundStep& bound, const CompiledTest& test) {
+  if (!asReal(test, bound.real)) return false;
+  const bool below = test.accepts(-1);
+  const bool above = test.accepts(1);
+  bound.isNegated = below;
+  if (below == above) {
+    bound.relation = BoundStep::Relation::equal;
+  } else {
+    bound.relation = test.accepts(0) == above ? BoundStep::Relation::greaterOrEqual
+                                              : BoundStep::Relation::greater;
+  }
+  return true;
+}
+
 void BoundProgram::start(const Program& program) {
   const std::vector<Program::Step>& steps = program.steps();
   steps_.assign(steps.size() + 2, BoundStep());
-  textSlots_.clear();
   end_ = steps_.data() + steps.size();
   const auto target = [this](Program::Target t) {
     return t == Program::kReject ? end_ : t == Program::kAccept ? end_ + 1 : steps_.data() + t;
@@ -41,8 +72,23 @@ void BoundProgram::start(const Program& program) {
     steps_[i].step = &steps[i];
     steps_[i].next[0] = target(steps[i].onFalse);
     steps_[i].next[1] = target(steps[i].onTrue);
-    if (steps[i].test) steps_[i].accepted = steps[i].test->accepted();
   }
+}
+
+void BoundProgram::finish() {
+  suitsBlocks_ = steps_.size() <= kMaxBlockSteps + 2;
+  for (const BoundStep* step = steps_.data(); step != end_; ++step) {
+    suitsBlocks_ &= step->way != Way::unbound && step->next[0] != step->next[1];
+  }
+}
+
+void BoundProgram::bindToWords(const Program& program) {
+  start(program);
+  for (std::size_t i = 0; i < program.steps().size(); ++i) {
+    const Program::Step& step = program.steps()[i];
+    if (step.readsOneKey()) bindWord(steps_[i], *step.test);
+  }
+  finish();
 }
 
 void BoundProgram::bindToShape(const Program& program, const Layout& layout) {
@@ -50,12 +96,13 @@ void BoundProgram::bindToShape(const Program& program, const Layout& layout) {
   for (std::size_t i = 0; i < program.steps().size(); ++i) {
     const Program::Step& step = program.steps()[i];
     BoundStep& bound = steps_[i];
-    if (!step.test || step.key == Program::kNoKey || !step.singleStep) continue;
+    if (!step.readsOneKey()) continue;
     const Place& place = layout.place(step.key);
     if (place.way != Place::Way::slot) continue;
     bound.place = place.slot;
     bindWord(bound, *step.test);
   }
+  finish();
 }
 
 void BoundProgram::bindWord(BoundStep& bound, const CompiledTest& test) {
@@ -63,20 +110,19 @@ void BoundProgram::bindWord(BoundStep& bound, const CompiledTest& test) {
   switch (test.kind()) {
     case CompiledTest::Kind::integer:
       bound.way = Way::wordInteger;
-      bound.integer = test.integer();
+      setRange(bound, test);
       return;
     case CompiledTest::Kind::number:
-      if (asReal(test, bound.real)) bound.way = Way::wordReal;
+      if (setRelation(bound, test)) bound.way = Way::wordReal;
       return;
     case CompiledTest::Kind::text:
-      textSlots_.push_back(bound.place);
       if (!test.equates() || test.text().wide) return;
       bound.way = Way::wordText;
+      bound.isNegated = !test.accepts(0);
       bound.bytes = test.text().latin1View().data();
       bound.length = test.text().size;
       return;
     case CompiledTest::Kind::pattern:
-      textSlots_.push_back(bound.place);
       if (!test.test().pattern->decidesBytes()) return;
       bound.way = Way::wordPattern;
       bound.pattern = &*test.test().pattern;
@@ -86,37 +132,39 @@ void BoundProgram::bindWord(BoundStep& bound, const CompiledTest& test) {
   }
 }
 
-void BoundProgram::bindToClass(const Program& program, const Layout& layout, const Object& object) {
+void BoundProgram::bindToClass(const Program& program, const Layout& layout,
+                               const Subject& subject) {
   start(program);
   if (layout.hasEvaluator()) return;
   for (std::size_t i = 0; i < program.steps().size(); ++i) {
     const Program::Step& step = program.steps()[i];
     BoundStep& bound = steps_[i];
-    if (!step.test || step.key == Program::kNoKey || !step.singleStep) continue;
+    if (!step.readsOneKey()) continue;
     const Place& place = layout.place(step.key);
-    if (place.way == Place::Way::native) bindField(bound, *step.test, place, object);
+    if (place.way == Place::Way::native) bindField(bound, *step.test, place, subject);
   }
+  finish();
 }
 
 void BoundProgram::bindField(BoundStep& bound, const CompiledTest& test, const Place& place,
-                             const Object& object) {
+                             const Subject& subject) {
   const Property& property = *place.property;
-  const auto* address =
-      static_cast<const char*>(property.field(Subject::of(object), property.payload));
-  bound.place = static_cast<std::uint32_t>(address - reinterpret_cast<const char*>(&object));
+  const auto* address = static_cast<const char*>(property.field(subject, property.payload));
+  bound.place = static_cast<std::uint32_t>(address - static_cast<const char*>(subject.address()));
   bound.type = property.type;
   bound.way = Way::otherField;
   const bool isInteger = test.kind() == CompiledTest::Kind::integer;
-  if (property.type == FieldType::real && asReal(test, bound.real)) {
+  if (property.type == FieldType::real && setRelation(bound, test)) {
     bound.way = Way::real;
   } else if (property.type == FieldType::int32 && isInteger) {
     bound.way = Way::int32;
-    bound.integer = test.integer();
+    setRange(bound, test);
   } else if (property.type == FieldType::int64 && isInteger) {
     bound.way = Way::int64;
-    bound.integer = test.integer();
+    setRange(bound, test);
   } else if (property.type == FieldType::text && test.equates() && test.utf8() != nullptr) {
     bound.way = Way::text;
+    bound.isNegated = !test.accepts(0);
     bound.bytes = test.utf8()->data();
     bound.length = test.utf8()->size();
   } else if (property.type == FieldType::text && test.kind() == CompiledTest::Kind::pattern &&

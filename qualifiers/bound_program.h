@@ -10,6 +10,7 @@
 
 #include <QXFoundation/property_value.h>
 
+#include "frame/same_bytes.h"
 #include "frame/string_storage.h"
 #include "frame/text_span.h"
 #include "frame/unicode.h"
@@ -36,31 +37,52 @@ struct BoundStep {
     otherField,
     unbound,  // evaluated without a place
   };
+  static constexpr Way kLastWordWay = Way::wordOther;
+
   Way way = Way::unbound;
-  std::uint8_t accepted = 0;  // as in CompiledTest
   FieldType type = FieldType::none;
   std::uint32_t place = 0;  // slot of a dictionary, offset in bytes within an object
   const BoundStep* next[2] = {nullptr, nullptr};  // on false, on true
+  // Whether the range of integers, the relation to the real or the equality of texts decides the
+  // other way round.
+  bool isNegated = false;
+  enum class Relation : std::uint8_t { equal, greater, greaterOrEqual };
+  Relation relation = Relation::equal;  // to the real
   union {
-    std::int64_t integer;
+    std::int64_t low;  // the first integer of the range
     double real;
     std::size_t length;  // of the constant's bytes
   };
   union {
-    const char* bytes;  // the constant's, Latin-1 for a dictionary, UTF-8 for a field
+    std::uint64_t span;  // the range's last integer less its first
+    const char* bytes;   // the constant's, Latin-1 for a dictionary, UTF-8 for a field
     const WildcardPattern* pattern;
   };
   const Program::Step* step = nullptr;
 
-  BoundStep() : integer(0), bytes(nullptr) {}
+  BoundStep() : low(0), span(0) {}
 };
+
+// What a bound program leaves to others, where nothing has to be held meanwhile.
+template <class Test>
+struct WithoutHolding {
+  const Test& test;
+  bool operator()(const Program::Step& step) const { return test(step); }
+  void hold() const {}
+};
+template <class Test>
+WithoutHolding(const Test&) -> WithoutHolding<Test>;
 
 class BoundProgram {
  public:
+  static constexpr std::size_t kMaxBlockSteps = 16;
+
   // The layout is that of the dictionaries' shape.
   void bindToShape(const Program& program, const Layout& layout);
-  // The layout is that of the object's class; the object tells where its fields stand.
-  void bindToClass(const Program& program, const Layout& layout, const Object& object);
+  // Without places, which the user of the steps finds by each dictionary's shape.
+  void bindToWords(const Program& program);
+  // The layout is that of the class of the subject, which tells where the fields stand.
+  void bindToClass(const Program& program, const Layout& layout, const Subject& subject);
 
   // Evaluates over the values of a dictionary that can not change meanwhile, or over the fields at
   // `base`. What has no place is left to `unbound(step)`. Before a comparison that may run code of
@@ -72,24 +94,66 @@ class BoundProgram {
     return at != end_;
   }
 
-  // The slots whose strings are looked into: it pays to ask for their memory early.
-  const std::vector<std::uint32_t>& textSlots() const { return textSlots_; }
+  // Whether every step has a way of its own and leads on to two different places, few enough steps
+  // for whole blocks of elements.
+  bool suitsBlocks() const { return suitsBlocks_; }
+  // The steps, behind which two ends stand: of the rejected, and of the accepted. Jumps lead to
+  // steps before, or to the ends.
+  const BoundStep* steps() const { return steps_.data(); }
+  std::size_t stepCount() const { return static_cast<std::size_t>(end_ - steps_.data()); }
+  std::size_t entry() const { return static_cast<std::size_t>(entry_ - steps_.data()); }
+
+  // The answers of the ways, by the value that stands in the place.
+  static bool acceptsInteger(const BoundStep& step, std::int64_t n) {
+    return (static_cast<std::uint64_t>(n) - static_cast<std::uint64_t>(step.low) <= step.span) !=
+           step.isNegated;
+  }
+  // NaN is in no relation, so that it orders below the constant, which is none.
+  static bool acceptsReal(const BoundStep& step, double d) {
+    switch (step.relation) {
+      case BoundStep::Relation::equal:
+        return (d == step.real) != step.isNegated;
+      case BoundStep::Relation::greater:
+        return (d > step.real) != step.isNegated;
+      default:
+        return (d >= step.real) != step.isNegated;
+    }
+  }
+  static bool acceptsText(const BoundStep& step, const String& text) {
+    return StringStorage::isWide(text) ? step.isNegated : acceptsBytes(step, bytesOf(text));
+  }
+  static bool acceptsBytes(const BoundStep& step, std::string_view text) {
+    const bool equal =
+        text.size() == step.length && sameBytes(text.data(), step.bytes, step.length);
+    return equal != step.isNegated;
+  }
+  static bool decideField(const BoundStep& step, const void* base);
+
+  // Of an immutable string that is not wide.
+  static std::string_view bytesOf(const String& text) {
+    return {static_cast<const char*>(StringStorage::inlineUnits(text)), text.length()};
+  }
+  // The string, when it is of exactly the immutable class.
+  const String* immutableText(const PropertyValue& v) const {
+    const Object* o = v.object();
+    return o != nullptr && ObjectAccess::classIndex(*o) == stringIndex_
+               ? static_cast<const String*>(o)
+               : nullptr;
+  }
+  template <class T>
+  static const T& field(const BoundStep& step, const void* base) {
+    return *reinterpret_cast<const T*>(static_cast<const char*>(base) + step.place);
+  }
+
+  // Whether the step's own test of that value, or field, runs no code of the application.
+  static bool isQuiet(const BoundStep& step, const PropertyValue& v) {
+    return comparesQuietly(v) && step.step->test->isQuiet();
+  }
+  static bool isQuietField(const BoundStep& step) {
+    return step.type != FieldType::value && step.step->test->isQuiet();
+  }
 
  private:
-  static bool accepts(const BoundStep& step, int order) {
-    return (step.accepted >> (order + 1) & 1) != 0;
-  }
-
-  template <class T>
-  static int order(T a, T b) {
-    return (a > b) - (a < b);
-  }
-
-  // NaN orders below the constant, which is none.
-  static int orderReal(double a, double constant) {
-    return a == constant ? 0 : a > constant ? 1 : -1;
-  }
-
   template <class Unbound>
   [[gnu::always_inline]] bool decide(const BoundStep& step, const void* base,
                                      Unbound&& unbound) const {
@@ -97,40 +161,35 @@ class BoundProgram {
       case BoundStep::Way::wordInteger: {
         const PropertyValue& v = slot(step, base);
         if (!WordAccess::isInlineSigned(v)) return other(step, v, unbound);
-        return accepts(step, order(WordAccess::inlineSigned(v), step.integer));
+        return acceptsInteger(step, WordAccess::inlineSigned(v));
       }
       case BoundStep::Way::wordReal: {
         const PropertyValue& v = slot(step, base);
         if (!WordAccess::isInlineDouble(v)) return other(step, v, unbound);
-        return accepts(step, orderReal(WordAccess::inlineDouble(WordAccess::word(v)), step.real));
+        return acceptsReal(step, WordAccess::inlineDouble(WordAccess::word(v)));
       }
       case BoundStep::Way::wordText: {
         const PropertyValue& v = slot(step, base);
         const String* text = immutableText(v);
         if (text == nullptr) return other(step, v, unbound);
-        return accepts(step, equalBytes(*text, step) ? 0 : 1);
+        return acceptsText(step, *text);
       }
       case BoundStep::Way::wordPattern: {
         const PropertyValue& v = slot(step, base);
         const String* text = immutableText(v);
         if (text == nullptr || StringStorage::isWide(*text)) return other(step, v, unbound);
-        return step.pattern->matchesBytes(
-            {static_cast<const char*>(StringStorage::inlineUnits(*text)), text->length()});
+        return step.pattern->matchesBytes(bytesOf(*text));
       }
       case BoundStep::Way::wordOther:
         return other(step, slot(step, base), unbound);
       case BoundStep::Way::int32:
-        return accepts(step, order(std::int64_t{field<std::int32_t>(step, base)}, step.integer));
+        return acceptsInteger(step, field<std::int32_t>(step, base));
       case BoundStep::Way::int64:
-        return accepts(step, order(field<std::int64_t>(step, base), step.integer));
+        return acceptsInteger(step, field<std::int64_t>(step, base));
       case BoundStep::Way::real:
-        return accepts(step, orderReal(field<double>(step, base), step.real));
-      case BoundStep::Way::text: {
-        const auto& text = field<std::string>(step, base);
-        const bool equal =
-            text.size() == step.length && std::memcmp(text.data(), step.bytes, step.length) == 0;
-        return accepts(step, equal ? 0 : 1);
-      }
+        return acceptsReal(step, field<double>(step, base));
+      case BoundStep::Way::text:
+        return acceptsBytes(step, field<std::string>(step, base));
       case BoundStep::Way::pattern:
         return step.pattern->matchesBytes(field<std::string>(step, base));
       case BoundStep::Way::otherField:
@@ -144,44 +203,29 @@ class BoundProgram {
   static const PropertyValue& slot(const BoundStep& step, const void* base) {
     return static_cast<const PropertyValue*>(base)[step.place];
   }
-  template <class T>
-  static const T& field(const BoundStep& step, const void* base) {
-    return *reinterpret_cast<const T*>(static_cast<const char*>(base) + step.place);
-  }
   template <class Unbound>
   static bool other(const BoundStep& step, const PropertyValue& v, Unbound&& unbound) {
-    if (!comparesQuietly(v) || !step.step->test->isQuiet()) unbound.hold();
+    if (!isQuiet(step, v)) unbound.hold();
     return step.step->test->decide(v);
   }
   template <class Unbound>
   static bool otherField(const BoundStep& step, const void* base, Unbound&& unbound) {
-    if (step.type == FieldType::value || !step.step->test->isQuiet()) unbound.hold();
+    if (!isQuietField(step)) unbound.hold();
     return decideField(step, base);
   }
-  static bool decideField(const BoundStep& step, const void* base);
-
-  // The string, when it is of exactly the immutable class.
-  const String* immutableText(const PropertyValue& v) const {
-    const Object* o = v.object();
-    return o != nullptr && ObjectAccess::classIndex(*o) == stringIndex_
-               ? static_cast<const String*>(o)
-               : nullptr;
-  }
-  static bool equalBytes(const String& text, const BoundStep& step) {
-    return text.length() == step.length && !StringStorage::isWide(text) &&
-           std::memcmp(StringStorage::inlineUnits(text), step.bytes, step.length) == 0;
-  }
-
   void start(const Program& program);
+  void finish();
+  static void setRange(BoundStep& bound, const CompiledTest& test);
+  static bool setRelation(BoundStep& bound, const CompiledTest& test);
   void bindWord(BoundStep& bound, const CompiledTest& test);
   void bindField(BoundStep& bound, const CompiledTest& test, const Place& place,
-                 const Object& object);
+                 const Subject& subject);
 
   // Behind the steps stand two more, where a run ends: rejected at `end_`, accepted behind it.
   std::vector<BoundStep> steps_;
   const BoundStep* entry_ = nullptr;
   const BoundStep* end_ = nullptr;
-  std::vector<std::uint32_t> textSlots_;
+  bool suitsBlocks_ = false;
   std::uint16_t stringIndex_ = 0;
 };
 

@@ -41,7 +41,7 @@ bool isAllAscii(std::string_view text) { return asciiPrefix(text) == text.size()
 CompiledTest::CompiledTest(const ConstantTest& test)
     : test_(&test),
       onNil_(test.decideNil()),
-      isQuiet_(comparesQuietly(test.value)),
+      isQuiet_(test.comparison != Comparison::none && comparesQuietly(test.value)),
       equates_(test.comparison == Comparison::isEqualTo ||
                test.comparison == Comparison::isNotEqualTo),
       accepted_(acceptedOrders(test.comparison)) {

@@ -27,8 +27,8 @@ class CompiledTest {
   // What a binding to places knows of the constant.
   enum class Kind : std::uint8_t { general, integer, number, text, pattern };
   Kind kind() const { return kind_; }
-  // Bit order + 1 for each order of the left value against the constant that is true.
-  std::uint8_t accepted() const { return accepted_; }
+  // Whether the comparison is true of a left value that stands so to the constant: -1, 0, 1.
+  bool accepts(int order) const { return (accepted_ >> (order + 1) & 1U) != 0; }
   // Whether comparing a plain string or an inline value with the constant runs no code of the
   // application.
   bool isQuiet() const { return isQuiet_; }
@@ -43,7 +43,6 @@ class CompiledTest {
  private:
   void compileNumber();
   void compileText();
-  bool accepts(int order) const { return (accepted_ >> (order + 1) & 1U) != 0; }
   bool decideText(TextSpan left) const;
   bool decideUtf8(std::string_view left, const NativeField& field) const;
   bool decideNumber(const NumericValue& left) const {

@@ -32,6 +32,9 @@ class Program {
     bool singleStep = false;          // the (left) key path has no further steps
     Target onTrue = kAccept;
     Target onFalse = kReject;
+
+    // A test of a constant with what stands under one key.
+    bool readsOneKey() const { return test && key != kNoKey && singleStep; }
   };
 
   // Holds the qualifier. Objects that are evaluated are never nil.

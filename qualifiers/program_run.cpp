@@ -61,41 +61,6 @@ bool testObject(const Step& step, const Layout& layout, Object& object) {
 
 }  // namespace
 
-template <class Source>
-ProgramRun::Binding* ProgramRun::find(const Source& source) {
-  for (const auto& binding : bindings_) {
-    if (binding->layout.isOf(source)) return recent_ = binding.get();
-  }
-  return nullptr;
-}
-
-ProgramRun::Binding& ProgramRun::replaceOne() {
-  if (bindings_.size() < kBindings) {
-    recent_ = bindings_.emplace_back(std::make_unique<Binding>()).get();
-  } else {
-    recent_ = bindings_[replaced_].get();
-    replaced_ = (replaced_ + 1) % kBindings;
-  }
-  return *recent_;
-}
-
-const ProgramRun::Binding& ProgramRun::bindingOf(const Shape& shape) {
-  if (const Binding* known = find(shape)) return *known;
-  Binding& binding = replaceOne();
-  binding.layout.bind(program_.keys(), shape);
-  binding.bound.bindToShape(program_, binding.layout);
-  return binding;
-}
-
-const ProgramRun::Binding& ProgramRun::bindingOf(const Object& object) {
-  const std::uint16_t index = ObjectAccess::classIndex(object);
-  if (const Binding* known = find(index)) return *known;
-  Binding& binding = replaceOne();
-  binding.layout.bind(program_.keys(), index);
-  binding.bound.bindToClass(program_, binding.layout, object);
-  return binding;
-}
-
 // What a bound program leaves to others.
 template <class Test>
 struct ProgramRun::Unbound {
@@ -125,9 +90,7 @@ inline bool ProgramRun::acceptsFixed(const Dictionary& dictionary, const Binding
 }
 
 inline bool ProgramRun::acceptsObject(Object& object) {
-  const bool isRecent =
-      recent_ != nullptr && recent_->layout.isOf(ObjectAccess::classIndex(object));
-  const Binding& binding = isRecent ? *recent_ : bindingOf(object);
+  const Binding& binding = bindings_.of(object);
   const auto test = [&](const Step& step) { return testObject(step, binding.layout, object); };
   return binding.bound.run(&object, Unbound<decltype(test)>{*this, test});
 }
@@ -135,7 +98,7 @@ inline bool ProgramRun::acceptsObject(Object& object) {
 bool ProgramRun::acceptsChanging(const Dictionary& dictionary, const PropertyValue& value) {
   const Shape& shape = DictionaryStorage::shape(dictionary);
   if (!shape.isShared()) return acceptsUnbound(value);
-  const Binding& binding = bindingOf(shape);
+  const Binding& binding = bindings_.of(shape);
   hold();
   return program_.run([&](const Step& step) {
     // A test before this one may have run code that changed the dictionary.
@@ -159,9 +122,7 @@ inline bool ProgramRun::accepts(const PropertyValue& value) {
   if (index == dictionaryClass_) [[likely]] {
     const auto& dictionary = static_cast<const Dictionary&>(*object);
     const Shape& shape = DictionaryStorage::shape(dictionary);
-    if (recent_ != nullptr && recent_->layout.isOf(shape)) [[likely]]
-      return acceptsFixed(dictionary, *recent_);
-    return shape.isShared() ? acceptsFixed(dictionary, bindingOf(shape)) : acceptsUnbound(value);
+    return shape.isShared() ? acceptsFixed(dictionary, bindings_.of(shape)) : acceptsUnbound(value);
   }
   if (ObjectAccess::kind(*object) == ObjectKind::object) return acceptsObject(*object);
   if (index == dictionaryClasses().changing) {
@@ -171,46 +132,126 @@ inline bool ProgramRun::accepts(const PropertyValue& value) {
   return acceptsUnbound(value);
 }
 
-// Asks for the memory of an element's strings that tests look into. Of an element with another
-// layout nothing is known.
-inline void ProgramRun::askForTexts(const PropertyValue& value) const {
-  const Object* object = value.object();
-  if (object == nullptr || ObjectAccess::classIndex(*object) != dictionaryClass_) return;
-  const auto& dictionary = static_cast<const Dictionary&>(*object);
-  if (!recent_->layout.isOf(DictionaryStorage::shape(dictionary))) return;
-  for (const std::uint32_t slot : recent_->bound.textSlots()) {
-    __builtin_prefetch(DictionaryStorage::fixedValues(dictionary)[slot].object());
+// The elements before `last`, the memory of some of which is asked for ahead. What the block is
+// filled with may not be taken for what this reads.
+struct ProgramRun::Elements {
+  const PropertyValue* values;
+  std::size_t last;
+
+  Object* at(std::size_t i) const {
+    constexpr std::size_t kAhead = 24;
+    __builtin_prefetch(values[std::min(i + kAhead, last)].object());
+    return values[i].object();
   }
+};
+
+// Fewer elements than these are not worth the block's own work.
+constexpr std::size_t kWorthwhile = 8;
+
+std::size_t ProgramRun::decideBlock(std::size_t start, std::size_t end) {
+  const Object* first = values_[start].object();
+  if (first == nullptr || end - start < kWorthwhile) return 0;
+  if (ObjectAccess::classIndex(*first) == dictionaryClass_) return decideDictionaries(start, end);
+  return ObjectAccess::kind(*first) == ObjectKind::object ? decideObjects(start, end) : 0;
 }
 
-// The memory of elements is asked for this far ahead, that of their strings nearer, when the
-// elements are there.
-inline void ProgramRun::askAhead(std::size_t at, std::size_t count) const {
-  constexpr std::size_t kElements = 16;
-  constexpr std::size_t kTexts = 6;
-  if (at + kElements >= count) return;
-  __builtin_prefetch(values_[at + kElements].object());
-  if (recent_ != nullptr && !recent_->bound.textSlots().empty()) askForTexts(values_[at + kTexts]);
+std::size_t ProgramRun::decideDictionaries(std::size_t start, std::size_t end) {
+  if (!bindings_.words().suitsBlocks()) return 0;
+  const Shape* const shape =
+      &DictionaryStorage::shape(static_cast<const Dictionary&>(*values_[start].object()));
+  const std::size_t layout = shape->isShared() ? bindings_.numberOf(*shape) : Bindings::kNone;
+  if (layout == Bindings::kNone) return 0;
+  const Elements elements{values_ + start, count_ - start - 1};
+  const std::uint16_t dictionaryClass = dictionaryClass_;
+  const void** const bases = block_.bases();
+  std::size_t same = 0;
+  for (; same < end - start; ++same) {
+    const Object* object = elements.at(same);
+    if (object == nullptr || ObjectAccess::classIndex(*object) != dictionaryClass) break;
+    const auto& dictionary = static_cast<const Dictionary&>(*object);
+    if (&DictionaryStorage::shape(dictionary) != shape) break;
+    bases[same] = DictionaryStorage::fixedValues(dictionary);
+  }
+  std::size_t count = same;
+  std::size_t layoutOfAll = layout;
+  if (same < end - start) {
+    std::fill_n(block_.layouts(), same, static_cast<BlockRun::Index>(layout));
+    count = gatherMixed(start, same, end);
+    if (count != same) layoutOfAll = BlockRun::kLayoutOfEach;
+  }
+  if (count < kWorthwhile) return 0;
+  return block_.decideDictionaries(bindings_.words(), bindings_.places(), layoutOfAll, count);
+}
+
+// Goes on from the element `from` of the block.
+std::size_t ProgramRun::gatherMixed(std::size_t start, std::size_t from, std::size_t end) {
+  const Elements elements{values_ + start, count_ - start - 1};
+  std::size_t i = from;
+  for (; i < end - start; ++i) {
+    const Object* object = elements.at(i);
+    if (object == nullptr || ObjectAccess::classIndex(*object) != dictionaryClass_) break;
+    const auto& dictionary = static_cast<const Dictionary&>(*object);
+    const Shape& shape = DictionaryStorage::shape(dictionary);
+    const std::size_t layout = shape.isShared() ? bindings_.numberOf(shape) : Bindings::kNone;
+    if (layout == Bindings::kNone) break;
+    block_.bases()[i] = DictionaryStorage::fixedValues(dictionary);
+    block_.layouts()[i] = static_cast<BlockRun::Index>(layout);
+  }
+  return i;
+}
+
+std::size_t ProgramRun::decideObjects(std::size_t start, std::size_t end) {
+  const Object& first = *values_[start].object();
+  const BoundProgram& bound = bindings_.of(first).bound;
+  if (!bound.suitsBlocks()) return 0;
+  const Elements elements{values_ + start, count_ - start - 1};
+  const std::uint16_t classIndex = ObjectAccess::classIndex(first);
+  const void** const bases = block_.bases();
+  std::size_t i = 0;
+  for (; i < end - start; ++i) {
+    const Object* object = elements.at(i);
+    if (object == nullptr || ObjectAccess::classIndex(*object) != classIndex) break;
+    bases[i] = object;
+  }
+  return i < kWorthwhile ? 0 : block_.decideObjects(bound, i);
+}
+
+std::size_t ProgramRun::selectBlock(std::size_t start, std::size_t end, MutableArray& hits) {
+  const std::size_t decided = decideBlock(start, end);
+  if (decided == 0) return 0;
+  const auto accepted = block_.accepted();
+  ArrayStorage::addPicked(hits, values_ + start, accepted.data(), accepted.size());
+  return decided;
+}
+
+void ProgramRun::selectOneByOne(std::size_t start, std::size_t end, MutableArray& hits) {
+  BlockRun::Index picks[BlockRun::kSize];
+  std::size_t picked = 0;
+  for (std::size_t i = start; i < end; ++i) {
+    picks[picked] = static_cast<BlockRun::Index>(i - start);
+    picked += accepts(values_[i]) ? 1 : 0;
+  }
+  ArrayStorage::addPicked(hits, values_ + start, picks, picked);
 }
 
 void ProgramRun::select(const Array& array, MutableArray& hits) {
-  constexpr std::size_t kBlock = 256;
-  std::uint32_t picks[kBlock];
   array_ = &array;
   values_ = array.begin();
-  const std::size_t count = array.count();
-  for (std::size_t start = 0; start < count; start += kBlock) {
-    const std::size_t end = std::min(start + kBlock, count);
-    std::size_t picked = 0;
-    for (std::size_t i = start; i < end; ++i) {
-      askAhead(i, count);
-      // Written always, kept when accepted: the outcome is no jump to predict.
-      picks[picked] = static_cast<std::uint32_t>(i - start);
-      picked += accepts(values_[i]) ? 1 : 0;
-    }
-    ArrayStorage::addPicked(hits, values_ + start, picks, picked);
+  count_ = array.count();
+  for (std::size_t start = 0; start < count_; start += BlockRun::kSize) {
+    const std::size_t end = std::min(start + BlockRun::kSize, count_);
+    const std::size_t decided = selectBlock(start, end, hits);
+    selectOneByOne(start + decided, end, hits);
   }
   held_ = nullptr;
+}
+
+void FirstBinding::bind(const Program& program, const Layout& layout,
+                        const Subject& subject) const {
+  const std::lock_guard lock(mutex_);
+  if (isBound_.load(std::memory_order_relaxed)) return;
+  bound_.bindToClass(program, layout, subject);
+  isBound_.store(true, std::memory_order_release);
 }
 
 ClassProgram::ClassProgram(const QXQualifier& qualifier, const Class& cls)
@@ -224,7 +265,8 @@ bool ClassProgram::accepts(const Object& object) const {
       ObjectAccess::kind(object) != ObjectKind::object) {
     return qualifier_->evaluateWithObject(&subject);
   }
-  return program_.run([&](const Step& step) { return testObject(step, layout_, subject); });
+  const auto test = [&](const Step& step) { return testObject(step, layout_, subject); };
+  return binding_.of(program_, layout_, Subject::of(object)).run(&object, WithoutHolding{test});
 }
 
 }  // namespace qx::detail

@@ -2,13 +2,16 @@
 
 // Running a program over objects, and over records of a plain struct.
 
+#include <atomic>
 #include <cstddef>
 #include <memory>
+#include <mutex>
 #include <vector>
 
 #include <QXFoundation/property_value.h>
 
-#include "qualifiers/bound_program.h"
+#include "qualifiers/bindings.h"
+#include "qualifiers/block_run.h"
 #include "qualifiers/layout.h"
 #include "qualifiers/program.h"
 #include "qualifiers/value_kinds.h"
@@ -19,7 +22,7 @@ namespace qx::detail {
 // thread. The caller holds the objects, none of which is nil.
 class ProgramRun {
  public:
-  explicit ProgramRun(const Program& program) : program_(program) {}
+  explicit ProgramRun(const Program& program) : program_(program), bindings_(program) {}
 
   // Adds the elements that are accepted to `hits`, an array of exactly the class MutableArray, in
   // their order. The elements are those at the start, whatever code of the application does to the
@@ -27,11 +30,6 @@ class ProgramRun {
   void select(const Array& array, MutableArray& hits);
 
  private:
-  struct Binding {
-    Layout layout;
-    BoundProgram bound;
-  };
-
   template <class Test>
   struct Unbound;
 
@@ -43,25 +41,47 @@ class ProgramRun {
   bool acceptsObject(Object& object);
   bool acceptsUnbound(const PropertyValue& value);
   bool acceptsChanging(const Dictionary& dictionary, const PropertyValue& value);
-  void askForTexts(const PropertyValue& value) const;
-  void askAhead(std::size_t at, std::size_t count) const;
 
-  const Binding& bindingOf(const Shape& shape);
-  const Binding& bindingOf(const Object& object);
-  // The binding with such a layout, made the recent one; null when there is none.
-  template <class Source>
-  Binding* find(const Source& source);
-  Binding& replaceOne();
+  // Each puts the first of the elements [start, end), as far as they are of one kind, into the
+  // block, decides them, and gives how many are decided.
+  struct Elements;
+  std::size_t decideBlock(std::size_t start, std::size_t end);
+  std::size_t decideDictionaries(std::size_t start, std::size_t end);
+  std::size_t gatherMixed(std::size_t start, std::size_t from, std::size_t end);
+  std::size_t decideObjects(std::size_t start, std::size_t end);
 
-  static constexpr std::size_t kBindings = 64;
+  // Both add those of the elements [start, end) that are accepted. As a block, as many as go so,
+  // and gives their number.
+  std::size_t selectBlock(std::size_t start, std::size_t end, MutableArray& hits);
+  void selectOneByOne(std::size_t start, std::size_t end, MutableArray& hits);
+
   const Program& program_;
   const std::uint16_t dictionaryClass_ = dictionaryClasses().fixed;
   const Array* array_ = nullptr;
   Ref<Array> held_;
   const PropertyValue* values_ = nullptr;
-  std::vector<std::unique_ptr<Binding>> bindings_;
-  Binding* recent_ = nullptr;
-  std::size_t replaced_ = 0;
+  std::size_t count_ = 0;
+  Bindings bindings_;
+  BlockRun block_;
+};
+
+// A program bound to one class with the first record that comes, which tells where fields stand.
+// Usable by several threads at once.
+class FirstBinding {
+ public:
+  const BoundProgram& of(const Program& program, const Layout& layout,
+                         const Subject& subject) const {
+    if (!isBound_.load(std::memory_order_acquire)) [[unlikely]]
+      bind(program, layout, subject);
+    return bound_;
+  }
+
+ private:
+  void bind(const Program& program, const Layout& layout, const Subject& subject) const;
+
+  mutable std::atomic<bool> isBound_ = false;
+  mutable std::mutex mutex_;
+  mutable BoundProgram bound_;
 };
 
 // Runs over objects of one class, and asks the qualifier itself about those of another. Immutable;
@@ -76,6 +96,7 @@ class ClassProgram {
   const std::uint16_t classIndex_;
   const Program program_;
   Layout layout_;
+  FirstBinding binding_;
 };
 
 // Runs over records of one described struct. Immutable; usable by several threads at once.
@@ -96,6 +117,7 @@ class StructProgram {
   const Class& class_;
   const Program program_;
   Layout layout_;
+  FirstBinding binding_;
 };
 
 }  // namespace qx::detail

@@ -41,7 +41,8 @@ void StructProgram::refuseCustom(const Node& root) const {
 }
 
 bool StructProgram::accepts(const Subject& record) const {
-  return program_.run([&](const Program::Step& step) { return test(step, record); });
+  const auto rest = [&](const Program::Step& step) { return test(step, record); };
+  return binding_.of(program_, layout_, record).run(record.address(), WithoutHolding{rest});
 }
 
 bool StructProgram::test(const Program::Step& step, const Subject& record) const {

@@ -15,7 +15,7 @@ build=(g++ cmake ninja-build ccache pkg-config libutf8proc-dev libfmt-dev liburi
 test=(libgtest-dev libgmock-dev python3 binutils libexpat1-dev libplist-utils tzdata
   dpkg-dev zsh)
 bench=(libbenchmark-dev libplist-dev libabsl-dev libsqlite3-dev qtbase5-dev libglib2.0-dev
-  libhowardhinnant-date-dev libuv1-dev qt6-base-dev)
+  libhowardhinnant-date-dev libuv1-dev qt6-base-dev nlohmann-json3-dev liblua5.4-dev nodejs)
 hosting=(libglib2.0-dev libuv1-dev qt6-base-dev)
 ci=(clang-19 libclang-rt-19-dev llvm-19 clang-format-19 util-linux doxygen)
 

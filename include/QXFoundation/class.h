@@ -62,6 +62,7 @@ class Subject {
   T& mutableAs() const {
     return const_cast<T&>(as<T>());
   }
+  const void* address() const { return address_; }
 
  private:
   explicit Subject(const void* address) : address_(address) {}
