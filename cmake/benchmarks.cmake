@@ -97,7 +97,6 @@ endif()
 qxfoundation_bench_peer(files_url_query QX_BENCH_BOOST_URL qxfoundation_bench_boost_url
                         "libboost-url1.81-dev (scripts/unpack-boost-url.sh)")
 
-find_package(Qt6 QUIET COMPONENTS Core)
 qxfoundation_bench_peer(files_locks QX_BENCH_QT Qt6::Core qt6-base-dev)
 qxfoundation_bench_peer(files_url_query QX_BENCH_QT Qt6::Core qt6-base-dev)
 pkg_check_modules(QXFOUNDATION_BENCH_LIBUV QUIET IMPORTED_TARGET libuv)

@@ -10,6 +10,4 @@ int main() {
   auto found = filteredArrayUsingQualifier(people, adults);
   for (const qx::PropertyValue& person : *found)
     std::puts(person["name"].description().c_str());  // Jim
-  auto matches = filteredArrayUsingQualifier(people, adults);
-  for (const qx::PropertyValue& person : *matches) std::puts(person["name"].description().c_str());
 }

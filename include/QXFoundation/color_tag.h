@@ -4,8 +4,6 @@
 //     setColorTags(file, qx::array(qx::QXColorTag::colorTagWithName("Work", 6)), &error);
 //     auto tags = colorTagsWithError(file);      // nil where the file has none
 //     if (tags) for (const auto& tag : *tags) use(tag.as<qx::QXColorTag>()->name());
-//     const auto tags = colorTagsWithError(file);   // kept while it is walked
-//     for (const auto& tag : *tags) use(tag.as<qx::QXColorTag>()->name());
 //
 // They are kept in the extended attribute kColorTagsAttribute as an array of strings, one for each
 // tag: its name, and where it has a colour a line feed and the colour's number. The desktop's
