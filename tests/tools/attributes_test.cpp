@@ -6,10 +6,10 @@
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
-#include <regex>
 #include <string>
 #include <vector>
 
+#include "tests/tools/file_command.h"
 #include "tests/tools/run_program.h"
 #include "tests/tools/stored_attributes.h"
 #include "tests/tools/terminal.h"
@@ -18,33 +18,16 @@ namespace qx_tests {
 namespace {
 
 // The tool on one file; skipped where that can have no attributes.
-class Attributes : public testing::Test {
+class Attributes : public FileCommand {
  protected:
   void SetUp() override {
+    leading_ = {"attributes", file_};
     if (!storeAttribute(file_, "user.a", "1")) {
       GTEST_SKIP() << "no attributes here: " << ::strerror(errno);
     }
     ASSERT_EQ(::removexattr(file_.c_str(), "user.a"), 0);
   }
-  ProgramRun run(std::vector<std::string> words) const {
-    words.insert(words.begin(), {"attributes", file_});
-    return runTool(words);
-  }
-  std::string shown(const std::vector<std::string>& words) const {
-    const ProgramRun done = run(words);
-    EXPECT_EQ(done.exitCode, 0) << done.err;
-    EXPECT_EQ(done.err, "");
-    return done.out;
-  }
-  void expectFailure(const std::vector<std::string>& words, const std::string& reason,
-                     int exitCode = 2) const {
-    const ProgramRun done = run(words);
-    EXPECT_EQ(done.exitCode, exitCode) << reason;
-    EXPECT_EQ(done.out, "");
-    EXPECT_EQ(done.err, "qx: " + reason + "\n");
-  }
 
-  TemporaryFolder folder_;
   std::string file_ = folder_.file("f", "content");
 };
 
@@ -220,19 +203,10 @@ TEST_F(Attributes, UsageIsRefusedWithAReason) {
 
 TEST_F(Attributes, HelpShowsExamplesThatRunInTheirOrder) {
   folder_.file("report.txt", "");
-  const std::string help = runTool({"attributes", "--help"}).out;
-  const std::regex example(R"(\n  qx (attributes [^\n]*))");
+  const std::vector<std::string> outputs = outputsOfExamples("attributes", folder_);
+  EXPECT_EQ(outputs.size(), 7U);
   std::string shownByAll;
-  int count = 0;
-  for (std::sregex_iterator at(help.begin(), help.end(), example), end; at != end; ++at) {
-    const std::string line = (*at)[1];
-    const ProgramRun done = runProgram(
-        {"/bin/sh", "-c", "cd '" + folder_.path("") + "' && '" QX_TOOL_PATH "' " + line});
-    EXPECT_EQ(done.exitCode, 0) << line << '\n' << done.err;
-    shownByAll += done.out;
-    ++count;
-  }
-  EXPECT_EQ(count, 7);
+  for (const std::string& output : outputs) shownByAll += output;
   EXPECT_EQ(shownByAll,
             "org.example.authors = [\"Ann\", \"Bob\"]\norg.example.page = 12\n"
             "xdg.comment: no property list, 12 bytes\n12\nas it stands");

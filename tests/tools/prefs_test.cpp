@@ -4,7 +4,6 @@
 #include <sys/stat.h>
 
 #include <filesystem>
-#include <regex>
 #include <string>
 #include <vector>
 
@@ -15,6 +14,7 @@
 #include <QXFoundation/property_list.h>
 
 #include "tests/support/scoped_environment.h"
+#include "tests/tools/file_command.h"
 #include "tests/tools/run_program.h"
 #include "tests/tools/terminal.h"
 
@@ -24,27 +24,10 @@ namespace {
 using test_support::ScopedEnvironment;
 
 // The tool on one file.
-class Prefs : public testing::Test {
+class Prefs : public FileCommand {
  protected:
+  Prefs() { leading_ = {"prefs", path()}; }
   std::string path() const { return folder_.path("s.plist"); }
-
-  ProgramRun run(std::vector<std::string> words) const {
-    words.insert(words.begin(), {"prefs", path()});
-    return runTool(words);
-  }
-  std::string shown(const std::vector<std::string>& words) const {
-    const ProgramRun done = run(words);
-    EXPECT_EQ(done.exitCode, 0) << done.err;
-    EXPECT_EQ(done.err, "");
-    return done.out;
-  }
-  void expectFailure(const std::vector<std::string>& words, const std::string& reason,
-                     int exitCode = 2) const {
-    const ProgramRun done = run(words);
-    EXPECT_EQ(done.exitCode, exitCode) << reason;
-    EXPECT_EQ(done.out, "");
-    EXPECT_EQ(done.err, "qx: " + reason + "\n");
-  }
 
   void write(const qx::PropertyValue& list,
              qx::PropertyListFormat format = qx::PropertyListFormat::xml) const {
@@ -55,8 +38,6 @@ class Prefs : public testing::Test {
     return qx::PropertyListSerialization::propertyListWithData(
         qx::Data::from(contentOf(path())), qx::PropertyListMutability::immutable, nullptr);
   }
-
-  TemporaryFolder folder_;
 };
 
 struct TypeCase {
@@ -364,17 +345,7 @@ TEST_F(ApplicationPrefs, NameAMalformedFileAndLeaveItUntouched) {
 }
 
 TEST_F(ApplicationPrefs, HelpShowsExamplesThatRunInTheirOrder) {
-  const std::string help = runTool({"prefs", "--help"}).out;
-  const std::regex example(R"(\n  qx (prefs [^\n]*))");
-  int count = 0;
-  for (std::sregex_iterator at(help.begin(), help.end(), example), end; at != end; ++at) {
-    const std::string line = (*at)[1];
-    const ProgramRun done = runProgram(
-        {"/bin/sh", "-c", "cd '" + folder_.path("") + "' && '" QX_TOOL_PATH "' " + line});
-    EXPECT_EQ(done.exitCode, 0) << line << '\n' << done.err;
-    ++count;
-  }
-  EXPECT_GE(count, 6);
+  EXPECT_GE(outputsOfExamples("prefs", folder_).size(), 6U);
 }
 
 }  // namespace

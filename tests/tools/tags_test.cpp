@@ -5,11 +5,11 @@
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
-#include <regex>
 #include <string>
 #include <vector>
 
 #include "tests/support/scoped_environment.h"
+#include "tests/tools/file_command.h"
 #include "tests/tools/run_program.h"
 #include "tests/tools/stored_attributes.h"
 #include "tests/tools/terminal.h"
@@ -25,31 +25,15 @@ constexpr char kColours[] =
     "colon in it has one behind it as well";
 
 // Two files; skipped where they can have no tags.
-class Tags : public testing::Test {
+class Tags : public FileCommand {
  protected:
   void SetUp() override {
+    leading_ = {"tags"};
     if (!storeAttribute(a_, "user.probe", "1")) {
       GTEST_SKIP() << "no attributes here: " << ::strerror(errno);
     }
   }
-  static ProgramRun run(std::vector<std::string> words) {
-    words.insert(words.begin(), "tags");
-    return runTool(words);
-  }
-  static std::string shown(const std::vector<std::string>& words) {
-    const ProgramRun done = run(words);
-    EXPECT_EQ(done.exitCode, 0) << done.err;
-    EXPECT_EQ(done.err, "");
-    return done.out;
-  }
-  static void expectFailure(const std::vector<std::string>& words, const std::string& reason) {
-    const ProgramRun done = run(words);
-    EXPECT_EQ(done.exitCode, 2);
-    EXPECT_EQ(done.out, "");
-    EXPECT_EQ(done.err, "qx: " + reason + "\n");
-  }
 
-  TemporaryFolder folder_;
   std::string a_ = folder_.file("a", "content");
   std::string b_ = folder_.file("b", "content");
 };
@@ -298,17 +282,7 @@ TEST_F(TagsOnATerminal, CanNotCommandIt) {
 TEST_F(Tags, HelpShowsExamplesThatRunInTheirOrder) {
   folder_.file("report.txt", "");
   folder_.file("letter.txt", "");
-  const std::string help = shown({"--help"});
-  const std::regex example(R"(\n  qx (tags [^\n]*))");
-  int count = 0;
-  for (std::sregex_iterator at(help.begin(), help.end(), example), end; at != end; ++at) {
-    const std::string line = (*at)[1];
-    const ProgramRun done = runProgram(
-        {"/bin/sh", "-c", "cd '" + folder_.path("") + "' && '" QX_TOOL_PATH "' " + line});
-    EXPECT_EQ(done.exitCode, 0) << line << '\n' << done.err;
-    ++count;
-  }
-  EXPECT_EQ(count, 5);
+  EXPECT_EQ(outputsOfExamples("tags", folder_).size(), 5U);
   EXPECT_EQ(shown({folder_.path("report.txt")}), "Done:green\n");
   EXPECT_EQ(shown({folder_.path("letter.txt")}), "");
 }

@@ -11,6 +11,7 @@
 #include <QXFoundation/extended_attributes.h>
 #include <QXFoundation/property_list.h>
 
+#include "tools/qx/actions.h"
 #include "tools/qx/command.h"
 #include "tools/qx/failure.h"
 #include "tools/qx/file_argument.h"
@@ -40,12 +41,6 @@ struct Work {
                             error);
   }
 };
-
-void show(const std::string& text) {
-  Output output;
-  output.write(text);
-  output.finish();
-}
 
 qx::Ref<qx::Data> bytesOf(const Work& work) {
   qx::Ref<qx::Error> error;
@@ -132,7 +127,7 @@ void list(const Work& work) {
 
 struct Action {
   std::string_view name;
-  bool needsName;
+  bool needsKey;
   bool takesValue;
   bool takesRaw;
   void (*run)(const Work& work);
@@ -143,21 +138,11 @@ constexpr Action kActions[] = {{"get", true, false, true, &get},
                                {"remove", true, false, false, &remove},
                                {"list", false, false, true, &list}};
 
-const Action& actionNamed(const std::string& name) {
-  for (const Action& action : kActions) {
-    if (action.name == name) return action;
-  }
-  throw Failure("the action is get, set, remove or list, not " + name);
-}
-
 void requireWords(const Action& action, const AttributeOptions& options) {
   const std::string name(action.name);
-  if (action.needsName && !options.name) throw Failure(name + " needs a NAME");
-  if (action.needsName && options.name->empty()) throw Failure("NAME is empty");
-  if (!action.needsName && options.name) throw Failure(name + " takes no NAME");
-  if (action.takesValue && !options.value) throw Failure(name + " needs a VALUE");
-  if (!action.takesValue && options.value) throw Failure(name + " takes no VALUE");
-  if (!action.takesValue && options.type) throw Failure(name + " takes no --type");
+  requireWordsOf(action, "NAME", options.name.has_value(), options.value.has_value(), options);
+  if (action.needsKey && options.name->empty()) throw Failure("NAME is empty");
+  if (!action.needsKey && options.name) throw Failure(name + " takes no NAME");
   if (!action.takesRaw && options.raw) throw Failure(name + " takes no --raw");
   if (options.raw && options.type && options.type != "string" && options.type != "data") {
     throw Failure("with --raw, VALUE is of the type string or data");
@@ -165,7 +150,7 @@ void requireWords(const Action& action, const AttributeOptions& options) {
 }
 
 void runAttributes(const AttributeOptions& options) {
-  const Action& action = actionNamed(options.action);
+  const Action& action = actionNamed(options.action, kActions);
   requireWords(action, options);
   action.run({options, urlOfFile(options.file)});
 }

@@ -24,12 +24,6 @@ const Command* const kCommands[] = {&kSelectCommand,   &kExplainCommand,   &kPli
                                     &kFractionCommand, &kLockCommand,      &kIdentityCommand,
                                     &kTagsCommand,     &kAttributesCommand};
 
-void show(const std::string& text) {
-  Output output;
-  output.write(text);
-  output.finish();
-}
-
 int fail(const std::string& reason, int exitCode = Failure::kFailed) {
   tell(reason);
   return exitCode;

@@ -42,6 +42,12 @@ void Output::finish() {
   if (written_ && ::close(STDOUT_FILENO) != 0 && errno != EINTR) failWriting();
 }
 
+void show(std::string_view text) {
+  Output output;
+  output.write(text);
+  output.finish();
+}
+
 bool outputIsTerminal() { return ::isatty(STDOUT_FILENO) == 1; }
 
 bool outputTakesColours() {

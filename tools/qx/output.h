@@ -24,6 +24,9 @@ class Output {
   bool written_ = false;
 };
 
+// Writes what is all of the output.
+void show(std::string_view text);
+
 // True when people are looking at it.
 bool outputIsTerminal();
 // True when that terminal may be given colours: not with NO_COLOR in the environment, whatever its

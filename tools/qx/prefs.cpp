@@ -11,6 +11,7 @@
 #include <QXFoundation/preferences.h>
 #include <QXFoundation/property_list.h>
 
+#include "tools/qx/actions.h"
 #include "tools/qx/command.h"
 #include "tools/qx/failure.h"
 #include "tools/qx/json_writer.h"
@@ -57,12 +58,6 @@ struct Work {
   const Request& request;
   const PrefsOptions& options;
 };
-
-void show(const std::string& text) {
-  Output output;
-  output.write(text);
-  output.finish();
-}
 
 // Safe for a terminal; every byte as it is for everything else.
 std::string shown(const std::string& text) { return outputIsTerminal() ? printable(text) : text; }
@@ -155,7 +150,7 @@ void list(const Work& work) {
 
 struct Action {
   std::string_view name;
-  bool needsKeyPath;
+  bool needsKey;
   bool takesValue;
   bool shows;
   void (*run)(const Work& work);
@@ -166,19 +161,10 @@ constexpr Action kActions[] = {{"get", true, false, true, &get},
                                {"remove", true, false, false, &remove},
                                {"list", false, false, true, &list}};
 
-const Action& actionNamed(const std::string& name) {
-  for (const Action& action : kActions) {
-    if (action.name == name) return action;
-  }
-  throw Failure("the action is get, set, remove or list, not " + name);
-}
-
 void requireWords(const Action& action, const Request& request, const PrefsOptions& options) {
   const std::string name(action.name);
-  if (action.needsKeyPath && !request.keyPath) throw Failure(name + " needs a KEYPATH");
-  if (action.takesValue && !request.value) throw Failure(name + " needs a VALUE");
-  if (!action.takesValue && request.value) throw Failure(name + " takes no VALUE");
-  if (!action.takesValue && options.type) throw Failure(name + " takes no --type");
+  requireWordsOf(action, "KEYPATH", request.keyPath.has_value(), request.value.has_value(),
+                 options);
   if (!action.shows && options.json) throw Failure(name + " shows nothing, and takes no --json");
   for (const auto& text : {request.keyPath, request.value}) {
     if (text && !isValidUtf8(*text)) throw Failure(*text + " is not UTF-8");
@@ -187,7 +173,7 @@ void requireWords(const Action& action, const Request& request, const PrefsOptio
 
 void runPrefs(const PrefsOptions& options) {
   const Request request = requestOf(options);
-  const Action& action = actionNamed(request.action);
+  const Action& action = actionNamed(request.action, kActions);
   requireWords(action, request, options);
   const SettingsPlace place = options.application
                                   ? SettingsPlace::ofApplication(*options.application)
