@@ -17,7 +17,6 @@
 // the block pass through. A nil array gives nil or false and calls nothing.
 #pragma once
 
-#include <algorithm>
 #include <concepts>
 #include <cstddef>
 #include <new>
@@ -150,7 +149,7 @@ Ref<Array> pick(const Array& array, F& predicate) {
   for (std::size_t i = 0; i < count && !stop;) {
     const PropertyValue* places[kAtOnce];
     std::size_t picked = 0;
-    for (const std::size_t end = std::min(count, i + kAtOnce); i < end && !stop; ++i) {
+    for (const std::size_t end = count - i < kAtOnce ? count : i + kAtOnce; i < end && !stop; ++i) {
       places[picked] = values + i;
       picked += static_cast<std::size_t>(isYes(callBlock(predicate, values[i], i, stop)));
     }
