@@ -32,7 +32,10 @@ struct ThreadMessageRecord;
 // counted when it is sent and never given up. Send what lives as long as the program, or release
 // what the operation was given (`object->release()`) once for each call. Of a call that is never
 // performed, because the thread has ended or the message object is gone, the record stays in memory
-// too, some 64 bytes.
+// too: 64 bytes, and with them the page of records that it was allocated with.
+//
+// A target that gives up the references of its calls lives until the call under way has returned,
+// and at most until the loop performs a call of another target or turns to something else.
 class QX_EXPORT QXThreadMessage : public Object, public PortDelegate {
  public:
   // Makes a port of its own, and schedules it in this thread's run loop for the default mode.
