@@ -131,6 +131,38 @@ TEST_F(Roads, ComeToTheSame) {
   }
 }
 
+// With a file, a plain dictionary is taken over at once, and converted within.
+TEST_F(Roads, ConvertWholeDictionariesAtEveryDepth) {
+  for (const std::size_t extra : {0U, 30U}) {
+    const auto store = QXPreferences::initWithPath(files / "never written.plist");
+    const auto other = QXPreferences::initForCustomInfo();
+    const auto foreign = QXPreferencesDictionary::initWithDictionary(dict({{"f", 1}}), other);
+    const auto plain = MutableDictionary::init();
+    for (std::size_t i = 0; i < extra; ++i) plain->setObject(i, "n" + std::to_string(i));
+    plain->setObject(dict({{"deep", array(dict({{"deepest", 2}}))}}), "inner");
+    plain->setObject(foreign, "foreign");
+    store->setDirty(false);
+    const auto built = QXPreferencesDictionary::initWithDictionary(dict({{"a", plain}}), store);
+    EXPECT_TRUE(store->isDirty());
+    const auto a = built->objectForKey("a").as<QXPreferencesDictionary>();
+    EXPECT_EQ(PropertyValue(a), PropertyValue(plain));
+    const auto inner = a->objectForKey("inner").as<QXPreferencesDictionary>();
+    const auto deep = inner->objectForKey("deep").as<QXPreferencesArray>();
+    const auto deepest = deep->objectAtIndex(0).as<QXPreferencesDictionary>();
+    for (const auto& seen :
+         {a->preferences(), inner->preferences(), deep->preferences(), deepest->preferences()}) {
+      EXPECT_EQ(seen.get(), store.get());
+    }
+    EXPECT_TRUE(isSame(a->objectForKey("foreign"), foreign));
+    EXPECT_EQ(foreign->preferences().get(), store.get());
+    EXPECT_EQ(plain->objectForKey("inner").as<QXPreferencesDictionary>(), nullptr)
+        << "what was given stays as it was";
+    store->setDirty(false);
+    (void)QXPreferencesDictionary::initWithDictionary(dict(), store);
+    EXPECT_FALSE(store->isDirty()) << "no entry, no report";
+  }
+}
+
 // Names that many dictionaries have are kept once.
 TEST_F(Roads, ShareTheNamesOfSettings) {
   const auto store = QXPreferences::initWithPath(files / "never written.plist");
