@@ -134,6 +134,17 @@ void load(benchmark::State& state) {
 }
 BENCHMARK(load)->Unit(benchmark::kMillisecond);
 
+// As an application has it that read its file at its start.
+void readIntegerLoaded(benchmark::State& state) {
+  const std::string file = folder() + "/loaded.plist";
+  if (!filledStore(file)->synchronize()) std::abort();
+  const auto store = qx::QXPreferences::initWithPath(file);
+  const auto all = joinedPaths('.');
+  Round round(all.size());
+  for (auto _ : state) benchmark::DoNotOptimize(store->integerForKeyPath(all[round.next()]));
+}
+BENCHMARK(readIntegerLoaded);
+
 void saveDurably(benchmark::State& state) {
   const auto store = filledStore(folder() + "/save.plist");
   for (auto _ : state) {
@@ -257,7 +268,7 @@ void qtLoad(benchmark::State& state) {
     QSettings settings(file, QSettings::IniFormat);
     fill(settings);
   }
-  int n = 0;
+  static int n = 0;
   for (auto _ : state) {
     // Settings of a file stay in the process's cache for some time; a new name is read again.
     state.PauseTiming();

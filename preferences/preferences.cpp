@@ -160,7 +160,15 @@ bool QXPreferences::writeWithinTree(const PropertyValue& value, StringArg keyPat
   const Ref<QXPreferencesDictionary> parent(end.parent);
   // The containers on the way report being stored again, even if the value is refused.
   if (parent.get() != parts_->root.get()) isDirty_ = true;
-  parent->setValueForKey(value, detail::PartText(end.key));
+  if (value.isNil() || detail::isContainer(value)) {
+    parent->setValueForKey(value, detail::PartText(end.key));
+  } else if (end.found == nullptr) {
+    parent->setValueForKey(value, parts_->keys.key(end.key, end.hash));
+  } else {
+    const PropertyValue replaced = std::exchange(*end.found, value);  // ends when all is done
+    setDirty(true);
+    return true;
+  }
   setDirty(true);
   return true;
 }

@@ -13,6 +13,7 @@
 
 #include "platform/property_list_file.h"
 #include "preferences/branch_index.h"
+#include "preferences/key_pool.h"
 
 namespace qx {
 
@@ -25,6 +26,7 @@ struct QXPreferences::Parts {
   Ref<MutableDictionary> notificationKeys;
   std::unique_ptr<detail::PropertyListFile> file;
   detail::BranchIndex branches;
+  detail::KeyPool keys;
   unsigned held = 0;          // SyncScopes
   bool syncWasAsked = false;  // within them
 };

@@ -250,12 +250,14 @@ const PropertyValue* valueAtPath(const QXPreferencesDictionary& root, StringArg 
 
 TreeEnd endWithinTree(QXPreferencesDictionary& root, const PreferencesLink& link,
                       StringArg keyPath) {
-  TreeEnd end{&root, {}};
+  TreeEnd end;
+  end.parent = &root;
   const bool isWithin = eachPlainKey(keyPath, [&](TextSpan key, bool isLast) {
     end.key = key;
+    end.hash = hashText(key);
+    end.found = const_cast<PropertyValue*>(DictionaryStorage::find(*end.parent, {key, end.hash}));
     if (isLast) return !key.empty() || end.parent == &root;
-    const PropertyValue* found = DictionaryStorage::find(*end.parent, {key, hashText(key)});
-    QXPreferencesDictionary* next = found == nullptr ? nullptr : ownTreeDictionary(*found);
+    QXPreferencesDictionary* next = end.found == nullptr ? nullptr : ownTreeDictionary(*end.found);
     if (next == nullptr || !(PreferencesAccess::link(*next) == link)) return false;
     end.parent = next;
     return true;

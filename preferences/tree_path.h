@@ -56,7 +56,9 @@ class PartText {
 // no more than a report. No parent where the way is another one, and has to be walked.
 struct TreeEnd {
   QXPreferencesDictionary* parent = nullptr;
-  TextSpan key;  // borrowed from the path
+  TextSpan key;                    // borrowed from the path
+  std::uint32_t hash = 0;          // of the key
+  PropertyValue* found = nullptr;  // what stands under the key, in the parent
 };
 TreeEnd endWithinTree(QXPreferencesDictionary& root, const PreferencesLink& link,
                       StringArg keyPath);

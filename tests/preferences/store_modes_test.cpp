@@ -102,6 +102,18 @@ TEST_F(StoreModes, WithAnEmptyPathMirrorsPathsOfOneKey) {
   EXPECT_EQ(defaults().synchronized, 1);
 }
 
+// There is no top key for the write itself; what arrives is told by the containers on the way.
+TEST_F(StoreModes, WithAnEmptyPathLeavesLongerPathsToTheContainers) {
+  const auto store = QXPreferences::initWithPath("");
+  store->setInteger(1, "a.b");
+  EXPECT_EQ(PropertyValue(defaults().values), dict({{"a", dict({{"b", 1}})}}));
+  store->setInteger(2, "a.b");
+  EXPECT_EQ(PropertyValue(defaults().values), dict({{"a", dict({{"b", 2}})}}));
+  store->removeObjectForKeyPath("a.b");
+  EXPECT_EQ(PropertyValue(defaults().values), dict({{"a", dict()}}));
+  EXPECT_THAT(removed(), IsEmpty());
+}
+
 // ---- dirty, immediately, synchronize
 
 TEST_F(StoreModes, IsDirtyFromAWriteToTheNextSave) {

@@ -1,6 +1,7 @@
 // A store with a file writes along a way that is there already in one step; a store without one
 // reports every container on the way. Both come to the same tree.
 
+#include <functional>
 #include <random>
 
 #include "preferences/store_access.h"
@@ -20,6 +21,19 @@ class Settings : public qx::QXPreferencesDictionary {
 void describe(qx::ClassBuilder<Settings>& c) {
   c.name("CountedSettings").inherits<qx::QXPreferencesDictionary>();
 }
+
+// Does something when it ends.
+class Ending : public qx::Object {
+ public:
+  explicit Ending(std::function<void()> action) : action_(std::move(action)) {}
+
+ protected:
+  ~Ending() override { action_(); }
+
+ private:
+  std::function<void()> action_;
+};
+void describe(qx::ClassBuilder<Ending>& c) { c.name("CountedEnding"); }
 
 }  // namespace counted
 
@@ -115,6 +129,72 @@ TEST_F(Roads, ComeToTheSame) {
       }
     }
   }
+}
+
+// With a file, a plain dictionary is taken over at once, and converted within.
+TEST_F(Roads, ConvertWholeDictionariesAtEveryDepth) {
+  for (const std::size_t extra : {0U, 30U}) {
+    const auto store = QXPreferences::initWithPath(files / "never written.plist");
+    const auto other = QXPreferences::initForCustomInfo();
+    const auto foreign = QXPreferencesDictionary::initWithDictionary(dict({{"f", 1}}), other);
+    const auto plain = MutableDictionary::init();
+    for (std::size_t i = 0; i < extra; ++i) plain->setObject(i, "n" + std::to_string(i));
+    plain->setObject(dict({{"deep", array(dict({{"deepest", 2}}))}}), "inner");
+    plain->setObject(foreign, "foreign");
+    store->setDirty(false);
+    const auto built = QXPreferencesDictionary::initWithDictionary(dict({{"a", plain}}), store);
+    EXPECT_TRUE(store->isDirty());
+    const auto a = built->objectForKey("a").as<QXPreferencesDictionary>();
+    EXPECT_EQ(PropertyValue(a), PropertyValue(plain));
+    const auto inner = a->objectForKey("inner").as<QXPreferencesDictionary>();
+    const auto deep = inner->objectForKey("deep").as<QXPreferencesArray>();
+    const auto deepest = deep->objectAtIndex(0).as<QXPreferencesDictionary>();
+    for (const auto& seen :
+         {a->preferences(), inner->preferences(), deep->preferences(), deepest->preferences()}) {
+      EXPECT_EQ(seen.get(), store.get());
+    }
+    EXPECT_TRUE(isSame(a->objectForKey("foreign"), foreign));
+    EXPECT_EQ(foreign->preferences().get(), store.get());
+    EXPECT_EQ(plain->objectForKey("inner").as<QXPreferencesDictionary>(), nullptr)
+        << "what was given stays as it was";
+    store->setDirty(false);
+    (void)QXPreferencesDictionary::initWithDictionary(dict(), store);
+    EXPECT_FALSE(store->isDirty()) << "no entry, no report";
+  }
+}
+
+// Names that many dictionaries have are kept once.
+TEST_F(Roads, ShareTheNamesOfSettings) {
+  const auto store = QXPreferences::initWithPath(files / "never written.plist");
+  for (int i = 0; i < 1000; ++i) {
+    store->setObject(dict(), "a" + std::to_string(i));
+    store->setInteger(i, "a" + std::to_string(i) + ".width");
+    store->setInteger(i, "a" + std::to_string(i) + ".key" + std::to_string(i));
+  }
+  const auto nameIn = [&](const char* path) {
+    return store->objectForKeyPath(path).as<Dictionary>()->allKeys()->objectAtIndex(0);
+  };
+  EXPECT_TRUE(isSame(nameIn("a1"), nameIn("a2")));
+  for (int i = 0; i < 1000; ++i) {
+    const std::string entry = "a" + std::to_string(i);
+    EXPECT_EQ(store->objectForKeyPath(entry), dict({{"width", i}, {"key" + std::to_string(i), i}}));
+  }
+}
+
+// What is replaced may run code that looks at the store, or changes it.
+TEST_F(Roads, LetGoOfWhatIsReplacedAtTheEnd) {
+  const auto store = QXPreferences::initWithPath(files / "never written.plist");
+  int seen = 0;
+  store->setObject(dict({{"c", make<counted::Ending>([&] {
+                            seen = store->integerForKeyPath("a.c");
+                            for (int i = 0; i < 40; ++i) {
+                              store->setInteger(i, "a.new" + std::to_string(i));
+                            }
+                          })}}),
+                   "a");
+  store->setInteger(7, "a.c");
+  EXPECT_EQ(seen, 7);
+  EXPECT_EQ(store->integerForKeyPath("a.new39"), 39);
 }
 
 // A class of the application sees every container that is put back on the way.
