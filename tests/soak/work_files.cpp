@@ -2,6 +2,8 @@
 // full at times and other processes use the same files.
 
 #include <fcntl.h>
+#include <signal.h>
+#include <sys/prctl.h>
 #include <unistd.h>
 
 #include <QXFoundation/QXFoundation.h>
@@ -131,6 +133,8 @@ std::vector<Work> workOnFiles() {
 }
 
 void runPeer(const std::string& folder) {
+  // Where the soak itself is killed, its peer does not stay behind.
+  ::prctl(PR_SET_PDEATHSIG, SIGKILL);
   std::mt19937 random(static_cast<unsigned>(::getpid()));
   for (;;) {
     qx::Ref<qx::Error> error;
