@@ -116,9 +116,12 @@ class Page:
         return done.stdout
 
     def compare(self, expected: Block, got: str) -> None:
-        if got == expected.text:
+        """Blanks at the ends of lines are nothing that a page shows."""
+        shown = [line.rstrip() for line in expected.text.splitlines()]
+        printed = [line.rstrip() for line in got.splitlines()]
+        if printed == shown:
             return
-        lines = difflib.unified_diff(expected.text.splitlines(), got.splitlines(), "the page", "the run", lineterm="")
+        lines = difflib.unified_diff(shown, printed, "the page", "the run", lineterm="")
         raise PageError(f"line {expected.line}: the output is another\n" + "\n".join(lines))
 
 
