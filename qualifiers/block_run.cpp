@@ -70,8 +70,11 @@ std::size_t BlockRun::decideObjects(const BoundProgram& program, std::size_t cou
 
 std::size_t BlockRun::decideDictionaries(const BoundProgram& program, const PlaceTable& places,
                                          std::size_t layout, std::size_t count) {
+  mostTexts_ = kNoTexts;
   return decide(program, count, [&](const BoundStep& step, std::size_t at) {
     const std::uint8_t* slots = places.ofStep(at);
+    if (layout != kLayoutOfEach && step.isOfText() && counts_[at] > count / 2)
+      mostTexts_ = slots[layout];
     if (layout == kLayoutOfEach) return testWords(step, at, PlaceByLayout{bases_, layouts_, slots});
     if (slots[layout] == PlaceTable::kAbsent) return testWords(step, at, NoPlace());
     testWords(step, at, OnePlace{bases_, slots[layout]});

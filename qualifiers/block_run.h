@@ -45,6 +45,11 @@ class BlockRun {
                                  std::size_t layout, std::size_t count);
   static constexpr std::size_t kLayoutOfEach = PlaceTable::kLayouts;
 
+  // The slot whose texts a step of the last block looked into in most dictionaries, so that it pays
+  // to ask for those of the next block early.
+  std::uint32_t mostTexts() const { return mostTexts_; }
+  static constexpr std::uint32_t kNoTexts = ~std::uint32_t{0};
+
   // The elements that were decided and accepted, ascending; ends with the next block.
   std::span<const Index> accepted() const { return {accepted_, acceptedCount_}; }
 
@@ -89,6 +94,7 @@ class BlockRun {
   std::size_t undecided_ = 0;  // the first element whose test may run code of the application
   Index* accepted_ = nullptr;
   std::size_t acceptedCount_ = 0;
+  std::uint32_t mostTexts_ = kNoTexts;
 };
 
 }  // namespace qx::detail

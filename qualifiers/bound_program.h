@@ -61,6 +61,7 @@ struct BoundStep {
   const Program::Step* step = nullptr;
 
   BoundStep() : low(0), span(0) {}
+  bool isOfText() const { return way == Way::wordText || way == Way::wordPattern; }
 };
 
 // What a bound program leaves to others, where nothing has to be held meanwhile.

@@ -139,7 +139,7 @@ struct ProgramRun::Elements {
   std::size_t last;
 
   Object* at(std::size_t i) const {
-    constexpr std::size_t kAhead = 24;
+    constexpr std::size_t kAhead = 48;
     __builtin_prefetch(values[std::min(i + kAhead, last)].object());
     return values[i].object();
   }
@@ -164,13 +164,17 @@ std::size_t ProgramRun::decideDictionaries(std::size_t start, std::size_t end) {
   const Elements elements{values_ + start, count_ - start - 1};
   const std::uint16_t dictionaryClass = dictionaryClass_;
   const void** const bases = block_.bases();
+  const std::uint32_t texts = block_.mostTexts();
+  const std::size_t slots = shape->slots();
   std::size_t same = 0;
   for (; same < end - start; ++same) {
     const Object* object = elements.at(same);
     if (object == nullptr || ObjectAccess::classIndex(*object) != dictionaryClass) break;
     const auto& dictionary = static_cast<const Dictionary&>(*object);
     if (&DictionaryStorage::shape(dictionary) != shape) break;
-    bases[same] = DictionaryStorage::fixedValues(dictionary);
+    const PropertyValue* const values = DictionaryStorage::fixedValues(dictionary);
+    bases[same] = values;
+    if (texts < slots) __builtin_prefetch(values[texts].object());
   }
   std::size_t count = same;
   std::size_t layoutOfAll = layout;
