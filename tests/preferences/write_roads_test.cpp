@@ -283,5 +283,74 @@ TEST_F(Roads, TellTheStoreThatTheRootReportsTo) {
   EXPECT_EQ(PropertyValue(store->userValues()), dict({{"a", dict({{"b", 2}})}, {"c", 2}}));
 }
 
+using Change = void (*)(QXPreferencesDictionary& map, QXPreferencesArray& list);
+
+const struct {
+  const char* what;
+  Change change;
+} kChanges[] = {
+    {"setObject", [](auto& map, auto&) { map.setObject(2, "k"); }},
+    {"setObject of a new key", [](auto& map, auto&) { map.setObject(2, "new"); }},
+    {"setObject of the same", [](auto& map, auto&) { map.setObject(map.objectForKey("k"), "k"); }},
+    {"setObject of a dictionary", [](auto& map, auto&) { map.setObject(dict(), "k"); }},
+    {"removeObjectForKey", [](auto& map, auto&) { map.removeObjectForKey("k"); }},
+    {"removeObjectForKey of none", [](auto& map, auto&) { map.removeObjectForKey("none"); }},
+    {"addEntriesFromDictionary",
+     [](auto& map, auto&) { map.addEntriesFromDictionary(dict({{"k", 1}})); }},
+    {"removeAllObjects of a dictionary", [](auto& map, auto&) { map.removeAllObjects(); }},
+    {"addObject", [](auto&, auto& list) { list.addObject(4); }},
+    {"addObject of an array", [](auto&, auto& list) { list.addObject(array()); }},
+    {"insertObject", [](auto&, auto& list) { list.insertObject(4, 0); }},
+    {"replaceObjectAtIndex", [](auto&, auto& list) { list.replaceObjectAtIndex(0, 1); }},
+    {"removeObjectAtIndex", [](auto&, auto& list) { list.removeObjectAtIndex(0); }},
+    {"removeLastObject", [](auto&, auto& list) { list.removeLastObject(); }},
+    {"addObjectsFromArray of nothing",
+     [](auto&, auto& list) { list.addObjectsFromArray(array()); }},
+    {"removeAllObjects", [](auto&, auto& list) { list.removeAllObjects(); }},
+};
+
+const struct {
+  const char* what;
+  Change change;
+} kRefused[] = {
+    {"setObject of nil", [](auto& map, auto&) { map.setObject(nullptr, "k"); }},
+    {"setObject without a key", [](auto& map, auto&) { map.setObject(1, nullptr); }},
+    {"removeObjectForKey without one", [](auto& map, auto&) { map.removeObjectForKey(nullptr); }},
+    {"addObject of nil", [](auto&, auto& list) { list.addObject(nullptr); }},
+    {"insertObject beyond", [](auto&, auto& list) { list.insertObject(1, 9); }},
+    {"replaceObjectAtIndex beyond", [](auto&, auto& list) { list.replaceObjectAtIndex(9, 1); }},
+    {"removeObjectAtIndex beyond", [](auto&, auto& list) { list.removeObjectAtIndex(9); }},
+};
+
+// With a file, a container's report is no more than the mark: every change makes it, none notifies.
+TEST_F(Roads, MarkTheStoreWithEveryChangeOfAContainer) {
+  for (const auto& row : kChanges) {
+    const auto store = QXPreferences::initWithPath(files / "never written.plist");
+    store->setObject(dict({{"map", dict({{"k", 1}})}, {"list", array(1, 2)}}), "a");
+    const auto map = store->objectForKeyPath("a.map").as<QXPreferencesDictionary>();
+    const auto list = store->objectForKeyPath("a.list").as<QXPreferencesArray>();
+    const Observation ofMap = store->observe("a.map", [] { FAIL(); });
+    const Observation ofList = store->observe("a.list", [] { FAIL(); });
+    store->setDirty(false);
+    row.change(*map, *list);
+    EXPECT_TRUE(store->isDirty()) << row.what;
+  }
+  EXPECT_THAT(defaults().set, IsEmpty());
+  EXPECT_THAT(defaults().removed, IsEmpty());
+}
+
+TEST_F(Roads, MarkNothingForARefusedChange) {
+  const auto store = QXPreferences::initWithPath(files / "never written.plist");
+  store->setObject(dict({{"map", dict({{"k", 1}})}, {"list", array(1, 2)}}), "a");
+  const auto map = store->objectForKeyPath("a.map").as<QXPreferencesDictionary>();
+  const auto list = store->objectForKeyPath("a.list").as<QXPreferencesArray>();
+  store->setDirty(false);
+  for (const auto& row : kRefused) {
+    EXPECT_THROW(row.change(*map, *list), Exception) << row.what;
+    EXPECT_FALSE(store->isDirty()) << row.what;
+  }
+  EXPECT_EQ(store->objectForKeyPath("a"), dict({{"map", dict({{"k", 1}})}, {"list", array(1, 2)}}));
+}
+
 }  // namespace
 }  // namespace qx
