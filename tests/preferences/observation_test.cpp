@@ -90,10 +90,17 @@ TEST_P(StoreObservation, TellsOfRemovalAndOfEveryWay) {
 
 TEST_P(StoreObservation, IsCalledAtOnceWithTheNewValueInPlace) {
   int seen = 0;
-  const Observation o = store->observe("a.b", [&] { seen = store->integerForKeyPath("a.b"); });
+  bool wasDirty = false;
+  PropertyValue mirrored;
+  const Observation o = store->observe("a.b", [&] {
+    seen = store->integerForKeyPath("a.b");
+    wasDirty = store->isDirty();
+    mirrored = memory.defaults->values->objectForKey("a");
+  });
   store->setInteger(5, "a.b");
   EXPECT_EQ(seen, 5);
-  EXPECT_TRUE(store->isDirty());
+  EXPECT_TRUE(wasDirty);
+  EXPECT_EQ(mirrored, GetParam() == Kind::file ? PropertyValue() : PropertyValue(dict({{"b", 5}})));
 }
 
 TEST_P(StoreObservation, TellsCallablesWithoutArgumentsAndOfValues) {
