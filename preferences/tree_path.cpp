@@ -251,6 +251,7 @@ const PropertyValue* valueAtPath(const QXPreferencesDictionary& root, StringArg 
 TreeEnd endWithinTree(QXPreferencesDictionary& root, const PreferencesLink& link,
                       StringArg keyPath) {
   TreeEnd end;
+  if (!(PreferencesAccess::link(root) == link)) return end;
   end.parent = &root;
   const bool isWithin = eachPlainKey(keyPath, [&](TextSpan key, bool isLast) {
     end.key = key;

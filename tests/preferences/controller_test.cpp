@@ -53,6 +53,10 @@ TEST_F(Controller, LetsGoOfAStoreWithoutSavingIt) {
   controller->unregisterPreferencesName("");
   EXPECT_TRUE(controller->preferencesName(nullptr) == nullptr);
   EXPECT_EQ(controller->integerForKeyPath("a", nullptr), 0);
+  const auto again = controller->registerPreferencesName("", files / "own.plist");
+  again->setInteger(2, "a");
+  EXPECT_EQ(controller->integerForKeyPath("a", nullptr), 2) << "of the store registered since";
+  EXPECT_TRUE(memory.defaults->set.empty()) << "it has a file";
   controller->unregisterPreferencesName("never there");
   EXPECT_THROW(controller->unregisterPreferencesName(nullptr), InvalidArgumentException);
 }

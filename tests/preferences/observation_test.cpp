@@ -16,17 +16,27 @@ using Listener = test_support::NotificationListener;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-class StoreObservation : public testing::Test {
+// With a file, a write takes a shorter road to the same notifications.
+enum class Kind { custom, file };
+
+Ref<QXPreferences> storeOf(Kind kind) {
+  return kind == Kind::file ? QXPreferences::initWithPath("/nowhere/at/all.plist")
+                            : QXPreferences::initForCustomInfo();
+}
+
+class StoreObservation : public testing::TestWithParam<Kind> {
  protected:
   Observation logging(const char* path) {
     return store->observe(path, [this](StringArg written) { log.push_back(written.utf8()); });
   }
   test_support::WithMemoryUserDefaults memory;
-  Ref<QXPreferences> store = QXPreferences::initForCustomInfo();
+  Ref<QXPreferences> store = storeOf(GetParam());
   std::vector<std::string> log;
 };
 
-TEST_F(StoreObservation, TellsNameCanonicalPathAndThePathAsWritten) {
+INSTANTIATE_TEST_SUITE_P(Kinds, StoreObservation, testing::Values(Kind::custom, Kind::file));
+
+TEST_P(StoreObservation, TellsNameCanonicalPathAndThePathAsWritten) {
   const auto listener = make<Listener>();
   store->addObserver(listener, "heard:", "a[0].bcdef");
   store->setInteger(1, "a[0].bcdef");
@@ -41,7 +51,7 @@ TEST_F(StoreObservation, TellsNameCanonicalPathAndThePathAsWritten) {
       << "one object stands for the path";
 }
 
-TEST_F(StoreObservation, TellsEveryObserverOfThePathAlone) {
+TEST_P(StoreObservation, TellsEveryObserverOfThePathAlone) {
   const Observation parent = logging("a");
   const Observation child = logging("a.b.c");
   const Observation other = logging("a.c");
@@ -51,7 +61,20 @@ TEST_F(StoreObservation, TellsEveryObserverOfThePathAlone) {
   EXPECT_THAT(log, ElementsAre("a.b", "a.b"));
 }
 
-TEST_F(StoreObservation, TellsOfRemovalAndOfEveryWay) {
+TEST_P(StoreObservation, GivesObserversOfAPathOneObject) {
+  const auto one = make<Listener>();
+  const auto two = make<Listener>();
+  const auto path = String::from("a.b");
+  store->addObserver(one, "heard:", path);
+  store->addObserver(two, "heard:", std::string("a[0].bcd"));
+  store->setInteger(1, std::string("a.b"));
+  ASSERT_EQ(one->notifications.size(), 1U);
+  ASSERT_EQ(two->notifications.size(), 1U);
+  EXPECT_TRUE(isSame(one->notifications[0]->object(), path)) << "that of the first observer";
+  EXPECT_TRUE(isSame(two->notifications[0]->object(), path));
+}
+
+TEST_P(StoreObservation, TellsOfRemovalAndOfEveryWay) {
   const Observation o = logging("k");
   const Observation list = logging("list");
   store->setInteger(1, "k");
@@ -65,15 +88,22 @@ TEST_F(StoreObservation, TellsOfRemovalAndOfEveryWay) {
   EXPECT_THAT(log, ElementsAre("k", "k", "k", "k", "k", "k", "k", "k"));
 }
 
-TEST_F(StoreObservation, IsCalledAtOnceWithTheNewValueInPlace) {
+TEST_P(StoreObservation, IsCalledAtOnceWithTheNewValueInPlace) {
   int seen = 0;
-  const Observation o = store->observe("a.b", [&] { seen = store->integerForKeyPath("a.b"); });
+  bool wasDirty = false;
+  PropertyValue mirrored;
+  const Observation o = store->observe("a.b", [&] {
+    seen = store->integerForKeyPath("a.b");
+    wasDirty = store->isDirty();
+    mirrored = memory.defaults->values->objectForKey("a");
+  });
   store->setInteger(5, "a.b");
   EXPECT_EQ(seen, 5);
-  EXPECT_TRUE(store->isDirty());
+  EXPECT_TRUE(wasDirty);
+  EXPECT_EQ(mirrored, GetParam() == Kind::file ? PropertyValue() : PropertyValue(dict({{"b", 5}})));
 }
 
-TEST_F(StoreObservation, TellsCallablesWithoutArgumentsAndOfValues) {
+TEST_P(StoreObservation, TellsCallablesWithoutArgumentsAndOfValues) {
   int calls = 0;
   int width = 0;
   std::string title;
@@ -91,7 +121,7 @@ TEST_F(StoreObservation, TellsCallablesWithoutArgumentsAndOfValues) {
   EXPECT_EQ(title, "mine");
 }
 
-TEST_F(StoreObservation, EndsWithItsObjectAndOutlivesTheStore) {
+TEST_P(StoreObservation, EndsWithItsObjectAndOutlivesTheStore) {
   Observation o = logging("k");
   {
     const Observation inner = logging("k");
@@ -107,7 +137,7 @@ TEST_F(StoreObservation, EndsWithItsObjectAndOutlivesTheStore) {
   o.end();
 }
 
-TEST_F(StoreObservation, RemovesAnObserverByAnEqualPath) {
+TEST_P(StoreObservation, RemovesAnObserverByAnEqualPath) {
   const auto listener = make<Listener>();
   const auto other = make<Listener>();
   store->addObserver(listener, "heard:", "a.b");
@@ -125,7 +155,19 @@ TEST_F(StoreObservation, RemovesAnObserverByAnEqualPath) {
   store->removeObserver(nullptr, "c");
 }
 
-TEST_F(StoreObservation, RefersToObserversWeakly) {
+TEST_P(StoreObservation, RemovesAnObserverOfAllPathsByNone) {
+  const auto listener = make<Listener>();
+  const Observation o = logging("a.b");
+  store->addObserver(listener, "heard:", "a.b");
+  store->addObserver(listener, "heard:", "c");
+  store->removeObserver(listener, nullptr);
+  store->setInteger(1, "a.b");
+  store->setInteger(1, "c");
+  EXPECT_THAT(listener->notifications, IsEmpty());
+  EXPECT_THAT(log, ElementsAre("a.b"));
+}
+
+TEST_P(StoreObservation, RefersToObserversWeakly) {
   auto listener = make<Listener>();
   const WeakRef<Listener> weak = listener;
   store->addObserver(listener, "heard:", "k");
@@ -134,20 +176,20 @@ TEST_F(StoreObservation, RefersToObserversWeakly) {
   store->setInteger(1, "k");
 }
 
-TEST_F(StoreObservation, RefusesNoPathNoObserverNoSelector) {
+TEST_P(StoreObservation, RefusesNoPathNoObserverNoSelector) {
   EXPECT_THROW(store->addObserver(make<Listener>(), "heard:", nullptr), InvalidArgumentException);
   EXPECT_THROW(store->addObserver(nullptr, "heard:", "k"), InvalidArgumentException);
   EXPECT_THROW(store->addObserver(make<Listener>(), Selector(), "k"), InvalidArgumentException);
   EXPECT_THROW((void)store->observe(nullptr, [] {}), InvalidArgumentException);
 }
 
-TEST_F(StoreObservation, OfOneStoreHearsNothingOfAnother) {
+TEST_P(StoreObservation, OfOneStoreHearsNothingOfAnother) {
   const Observation o = logging("k");
   QXPreferences::initForCustomInfo()->setInteger(1, "k");
   EXPECT_THAT(log, IsEmpty());
 }
 
-TEST_F(StoreObservation, MayWriteObserveAndEndDuringANotification) {
+TEST_P(StoreObservation, MayWriteObserveAndEndDuringANotification) {
   Observation self;
   std::vector<Observation> more;
   self = store->observe("k", [&](StringArg) {
@@ -162,7 +204,7 @@ TEST_F(StoreObservation, MayWriteObserveAndEndDuringANotification) {
   EXPECT_THAT(log, ElementsAre("other", "k"));
 }
 
-TEST_F(StoreObservation, MayLetGoOfTheStoreDuringANotification) {
+TEST_P(StoreObservation, MayLetGoOfTheStoreDuringANotification) {
   QXPreferences* plain = store.get();
   const Observation a = store->observe("k", [&] { store = nullptr; });
   const Observation b = logging("k");
@@ -170,7 +212,7 @@ TEST_F(StoreObservation, MayLetGoOfTheStoreDuringANotification) {
   EXPECT_THAT(log, ElementsAre("k"));
 }
 
-TEST_F(StoreObservation, LetsWhatAnObserverRaisesReachTheWriterAfterTheWrite) {
+TEST_P(StoreObservation, LetsWhatAnObserverRaisesReachTheWriterAfterTheWrite) {
   const Observation o = store->observe("k", [] { throw GenericException("no"); });
   EXPECT_THROW(store->setInteger(1, "k"), GenericException);
   EXPECT_EQ(store->integerForKeyPath("k"), 1);

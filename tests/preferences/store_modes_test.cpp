@@ -239,12 +239,15 @@ void describe(ClassBuilder<Holder>& c) { c.name("StoreHolder"); }
 
 TEST_F(StoreModes, SurvivesAWriteThatEndsItsLastReference) {
   for (const bool immediately : {false, true}) {
-    Ref<QXPreferences> store = QXPreferences::initForCustomInfo();
-    store->setAppliesImmediately(immediately);
-    store->setObject(make<Holder>(&store), "a.b");
-    QXPreferences* plain = store.get();
-    plain->setInteger(1, "a.b");
-    EXPECT_TRUE(store == nullptr);
+    for (const bool withFile : {false, true}) {
+      Ref<QXPreferences> store = withFile ? QXPreferences::initWithPath(files / "store.plist")
+                                          : QXPreferences::initForCustomInfo();
+      store->setAppliesImmediately(immediately);
+      store->setObject(make<Holder>(&store), "a.b");
+      QXPreferences* plain = store.get();
+      plain->setInteger(1, "a.b");
+      EXPECT_TRUE(store == nullptr);
+    }
   }
 }
 

@@ -137,8 +137,7 @@ TEST_F(Store, GivesTheRootForNoPath) {
   EXPECT_EQ(store->objectForKeyPath(nullptr), dict({{"a", 1}}));
 }
 
-TEST_F(Store, KeepsAnElementThatIsWrittenAndDroppedInTheSameStep) {
-  const auto store = QXPreferences::initForCustomInfo();
+void expectDroppedValuesKept(const Ref<QXPreferences>& store) {
   store->setObject(dict({{"b", dict({{"c", 1}})}}), "a");
   store->setObject(store->objectForKeyPath("a.b"), "a");  // the value lives in what is replaced
   EXPECT_EQ(store->objectForKeyPath("a"), dict({{"c", 1}}));
@@ -150,6 +149,11 @@ TEST_F(Store, KeepsAnElementThatIsWrittenAndDroppedInTheSameStep) {
   path = nullptr;  // the tree alone keeps it now
   store->setObject(1, *borrowed);
   EXPECT_EQ(store->objectForKeyPath("path"), 1);
+}
+
+TEST_F(Store, KeepsAnElementThatIsWrittenAndDroppedInTheSameStep) {
+  expectDroppedValuesKept(QXPreferences::initForCustomInfo());
+  expectDroppedValuesKept(QXPreferences::initWithPath(files / "store.plist"));
 }
 
 TEST_F(Store, AnswersKeyAccessWithKeyPaths) {
@@ -312,6 +316,16 @@ TEST_F(Store, TakesOverAKeyFromAnotherStore) {
   from->setDefaultObject(7, "d");
   to->updateKey("d", from);
   EXPECT_EQ(to->objectForKeyPath("d"), 7) << "a default of the other counts";
+  (void)to->synchronize();
+  int heard = 0;
+  const Observation o = to->observe("list", [&] { ++heard; });
+  from->setObject(array(1), "list");
+  to->updateKey("list", from);
+  EXPECT_EQ(heard, 1);
+  EXPECT_TRUE(to->isDirty());
+  EXPECT_TRUE(isSame(to->objectForKeyPath("list"), from->objectForKeyPath("list")))
+      << "containers are not copied";
+  EXPECT_EQ(to->objectForKeyPath("list").as<QXPreferencesArray>()->preferences().get(), to.get());
   EXPECT_THROW(to->updateKey("a", nullptr), InvalidArgumentException);
 }
 

@@ -4,6 +4,7 @@
 #include <functional>
 #include <random>
 
+#include "preferences/containers.h"
 #include "preferences/store_access.h"
 #include "tests/preferences/store_fixture.h"
 
@@ -97,12 +98,49 @@ std::string failureOf(QXPreferences& store, const PropertyValue& value, const ch
   }
 }
 
+// Where the containers of a tree report to, in their order: the store, elsewhere, or nowhere as
+// they are plain.
+void appendReports(std::string& out, const PropertyValue& at, const QXPreferences& store) {
+  if (!at.isArray() && !at.isDictionary()) return;
+  const detail::PreferencesLink* link = detail::linkOf(at);
+  out += at.isArray() ? '[' : '{';
+  out += link == nullptr ? 'p' : link->store() == &store ? 's' : 'e';
+  const Ref<Array> elements = at.isArray() ? at.as<Array>() : at.as<Dictionary>()->allValues();
+  for (const PropertyValue& element : *elements) appendReports(out, element, store);
+  out += ' ';
+}
+
+std::string reportsIn(const QXPreferences& store) {
+  std::string out;
+  appendReports(out, store.objectForKeyPath(nullptr), store);
+  return out;
+}
+
+// What observers of every path heard, in their order.
+class Heard {
+ public:
+  explicit Heard(const Ref<QXPreferences>& store) {
+    for (const char* path : kPaths) {
+      observations_.push_back(store->observe(path, [this, path](StringArg written) {
+        texts.push_back(std::string(path) + " by " + written.utf8());
+      }));
+    }
+  }
+  std::vector<std::string> texts;
+
+ private:
+  std::vector<Observation> observations_;
+};
+
 TEST_F(Roads, ComeToTheSame) {
+  std::size_t heard = 0;
   for (unsigned seed = 0; seed < 200; ++seed) {
     const auto inOneStep = QXPreferences::initWithPath(files / "never written.plist");
     const auto stepByStep = QXPreferences::initForCustomInfo();
     ASSERT_TRUE(detail::PreferencesAccess::onlyMarks(*inOneStep));
     ASSERT_FALSE(detail::PreferencesAccess::onlyMarks(*stepByStep));
+    Heard ofOneStep(inOneStep);
+    Heard ofSteps(stepByStep);
     for (int step = 0; step < 60; ++step) {
       const char* path = kPaths[std::mt19937(seed * 1000 + step)() % std::size(kPaths)];
       std::mt19937 one(seed * 7919 + step);
@@ -114,6 +152,8 @@ TEST_F(Roads, ComeToTheSame) {
       ASSERT_EQ(PropertyValue(inOneStep->userValues()), PropertyValue(stepByStep->userValues()))
           << "after " << path;
       ASSERT_EQ(inOneStep->isDirty(), stepByStep->isDirty()) << path << ' ' << failure;
+      ASSERT_EQ(reportsIn(*inOneStep), reportsIn(*stepByStep)) << "after " << path;
+      ASSERT_EQ(ofOneStep.texts, ofSteps.texts) << path << ' ' << failure;
       for (const char* read : {"a", "a.b", "a.b.c", "a[0].b", "b[0]", "a.a.a"}) {
         std::string failures[2];
         const auto get = [&](QXPreferences& store, std::string& raised) -> PropertyValue {
@@ -128,7 +168,9 @@ TEST_F(Roads, ComeToTheSame) {
         ASSERT_EQ(failures[0], failures[1]) << read;
       }
     }
+    heard += ofOneStep.texts.size();
   }
+  EXPECT_GT(heard, 1000U);
 }
 
 // With a file, a plain dictionary is taken over at once, and converted within.
@@ -219,6 +261,95 @@ TEST_F(Roads, TakeOverContainersOfOtherStores) {
   inner->setPreferences(other);
   store->setInteger(1, "a.b.c");
   EXPECT_TRUE(isSame(inner->preferences(), store));
+}
+
+// So does the root: what is written below it is told to the store that it was given.
+TEST_F(Roads, TellTheStoreThatTheRootReportsTo) {
+  const auto store = QXPreferences::initWithPath(files / "never written.plist");
+  const auto other = QXPreferences::initWithPath(files / "nor this.plist");
+  store->setInteger(1, "a.b");
+  store->setInteger(1, "c");
+  store->objectForKeyPath(nullptr).as<QXPreferencesDictionary>()->setPreferences(other);
+  store->setDirty(false);
+  store->setInteger(2, "c");
+  EXPECT_TRUE(other->isDirty());
+  EXPECT_TRUE(store->isDirty()) << "a write of its own";
+  other->setDirty(false);
+  store->setInteger(2, "a.b");
+  EXPECT_TRUE(other->isDirty());
+  EXPECT_TRUE(
+      isSame(store->objectForKeyPath("a").as<QXPreferencesDictionary>()->preferences(), other))
+      << "put back into the root";
+  EXPECT_EQ(PropertyValue(store->userValues()), dict({{"a", dict({{"b", 2}})}, {"c", 2}}));
+}
+
+using Change = void (*)(QXPreferencesDictionary& map, QXPreferencesArray& list);
+
+const struct {
+  const char* what;
+  Change change;
+} kChanges[] = {
+    {"setObject", [](auto& map, auto&) { map.setObject(2, "k"); }},
+    {"setObject of a new key", [](auto& map, auto&) { map.setObject(2, "new"); }},
+    {"setObject of the same", [](auto& map, auto&) { map.setObject(map.objectForKey("k"), "k"); }},
+    {"setObject of a dictionary", [](auto& map, auto&) { map.setObject(dict(), "k"); }},
+    {"removeObjectForKey", [](auto& map, auto&) { map.removeObjectForKey("k"); }},
+    {"removeObjectForKey of none", [](auto& map, auto&) { map.removeObjectForKey("none"); }},
+    {"addEntriesFromDictionary",
+     [](auto& map, auto&) { map.addEntriesFromDictionary(dict({{"k", 1}})); }},
+    {"removeAllObjects of a dictionary", [](auto& map, auto&) { map.removeAllObjects(); }},
+    {"addObject", [](auto&, auto& list) { list.addObject(4); }},
+    {"addObject of an array", [](auto&, auto& list) { list.addObject(array()); }},
+    {"insertObject", [](auto&, auto& list) { list.insertObject(4, 0); }},
+    {"replaceObjectAtIndex", [](auto&, auto& list) { list.replaceObjectAtIndex(0, 1); }},
+    {"removeObjectAtIndex", [](auto&, auto& list) { list.removeObjectAtIndex(0); }},
+    {"removeLastObject", [](auto&, auto& list) { list.removeLastObject(); }},
+    {"addObjectsFromArray of nothing",
+     [](auto&, auto& list) { list.addObjectsFromArray(array()); }},
+    {"removeAllObjects", [](auto&, auto& list) { list.removeAllObjects(); }},
+};
+
+const struct {
+  const char* what;
+  Change change;
+} kRefused[] = {
+    {"setObject of nil", [](auto& map, auto&) { map.setObject(nullptr, "k"); }},
+    {"setObject without a key", [](auto& map, auto&) { map.setObject(1, nullptr); }},
+    {"removeObjectForKey without one", [](auto& map, auto&) { map.removeObjectForKey(nullptr); }},
+    {"addObject of nil", [](auto&, auto& list) { list.addObject(nullptr); }},
+    {"insertObject beyond", [](auto&, auto& list) { list.insertObject(1, 9); }},
+    {"replaceObjectAtIndex beyond", [](auto&, auto& list) { list.replaceObjectAtIndex(9, 1); }},
+    {"removeObjectAtIndex beyond", [](auto&, auto& list) { list.removeObjectAtIndex(9); }},
+};
+
+// With a file, a container's report is no more than the mark: every change makes it, none notifies.
+TEST_F(Roads, MarkTheStoreWithEveryChangeOfAContainer) {
+  for (const auto& row : kChanges) {
+    const auto store = QXPreferences::initWithPath(files / "never written.plist");
+    store->setObject(dict({{"map", dict({{"k", 1}})}, {"list", array(1, 2)}}), "a");
+    const auto map = store->objectForKeyPath("a.map").as<QXPreferencesDictionary>();
+    const auto list = store->objectForKeyPath("a.list").as<QXPreferencesArray>();
+    const Observation ofMap = store->observe("a.map", [] { FAIL(); });
+    const Observation ofList = store->observe("a.list", [] { FAIL(); });
+    store->setDirty(false);
+    row.change(*map, *list);
+    EXPECT_TRUE(store->isDirty()) << row.what;
+  }
+  EXPECT_THAT(defaults().set, IsEmpty());
+  EXPECT_THAT(defaults().removed, IsEmpty());
+}
+
+TEST_F(Roads, MarkNothingForARefusedChange) {
+  const auto store = QXPreferences::initWithPath(files / "never written.plist");
+  store->setObject(dict({{"map", dict({{"k", 1}})}, {"list", array(1, 2)}}), "a");
+  const auto map = store->objectForKeyPath("a.map").as<QXPreferencesDictionary>();
+  const auto list = store->objectForKeyPath("a.list").as<QXPreferencesArray>();
+  store->setDirty(false);
+  for (const auto& row : kRefused) {
+    EXPECT_THROW(row.change(*map, *list), Exception) << row.what;
+    EXPECT_FALSE(store->isDirty()) << row.what;
+  }
+  EXPECT_EQ(store->objectForKeyPath("a"), dict({{"map", dict({{"k", 1}})}, {"list", array(1, 2)}}));
 }
 
 }  // namespace
