@@ -27,10 +27,11 @@ int putNewLock(const std::string& lockPath, std::string_view bytes) {
   return code;
 }
 
-// Of two who find nothing there the last one's record stays, too.
+// Of two who find nothing there the last one's record stays, too. Some file systems have no hard
+// links, by which a new record gets its name; there, and wherever that failed, renaming decides.
 int putLock(const std::string& lockPath, std::string_view bytes, bool replacing) {
-  const int code = replacing ? EEXIST : putNewLock(lockPath, bytes);
-  return code == EEXIST ? detail::replaceFile(lockPath, bytes, kLockFile) : code;
+  if (!replacing && putNewLock(lockPath, bytes) == 0) return 0;
+  return detail::replaceFile(lockPath, bytes, kLockFile);
 }
 
 // Writes this process's record. The folders above are there as a rule, and are looked at only where
