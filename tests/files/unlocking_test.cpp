@@ -102,5 +102,25 @@ TEST(Unlocking, RaisesWhereTheLockCanNotBeRemoved) {
   EXPECT_EQ(folder.names(), (std::vector<std::string>{"f.lock"}));
 }
 
+// A file manager that sees nothing.
+class BlindManager : public FileManager {
+ public:
+  using FileManager::fileExistsAtPath;
+  bool fileExistsAtPath(StringArg) const override { return false; }
+};
+void describe(ClassBuilder<BlindManager>& c) { c.name("BlindManager").inherits<FileManager>(); }
+
+TEST(Unlocking, AsksTheReceiverWhetherThereIsALock) {
+  const TemporaryFolder folder;
+  const Ref<FileManager> blind = make<BlindManager>();
+  bool created = false;
+  ASSERT_TRUE(lockFileAtPath(blind, folder / "f", false, created) != nullptr);
+  EXPECT_EQ(
+      reasonOf<InternalInconsistencyException>([&] { unlockFileAtPath(blind, folder / "f"); }),
+      "Error unlocking file at " + (folder / "f") + ": lock file " + (folder / "f.lock") +
+          " does not exist");
+  EXPECT_EQ(folder.names(), (std::vector<std::string>{"f.lock"}));
+}
+
 }  // namespace
 }  // namespace qx
