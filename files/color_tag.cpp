@@ -71,6 +71,10 @@ void describe(ClassBuilder<QXColorTag>& c) {
   c.operation(
       "setName:",
       +[](const PropertyValue& r, const Ref<String>& name) { r.as<QXColorTag>()->setName(name); });
+  c.classOperation(
+      "colorTagWithName:andColor:", +[](const Ref<String>& name, std::int32_t color) {
+        return QXColorTag::colorTagWithName(name, color);
+      });
 }
 
 void describe(ClassBuilder<QXColorTagFormatter>& c) {

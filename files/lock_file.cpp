@@ -27,10 +27,11 @@ int putNewLock(const std::string& lockPath, std::string_view bytes) {
   return code;
 }
 
-// Of two who find nothing there the last one's record stays, too.
+// Of two who find nothing there the last one's record stays, too. Some file systems have no hard
+// links, by which a new record gets its name; there, and wherever that failed, renaming decides.
 int putLock(const std::string& lockPath, std::string_view bytes, bool replacing) {
-  const int code = replacing ? EEXIST : putNewLock(lockPath, bytes);
-  return code == EEXIST ? detail::replaceFile(lockPath, bytes, kLockFile) : code;
+  if (!replacing && putNewLock(lockPath, bytes) == 0) return 0;
+  return detail::replaceFile(lockPath, bytes, kLockFile);
 }
 
 // Writes this process's record. The folders above are there as a rule, and are looked at only where
@@ -93,7 +94,9 @@ void unlockFileAtPath(In<FileManager> files, StringArg path) {
   const std::string lockPath = detail::lockPathOf(path);
   const std::string failed = "Error unlocking file at " + detail::pathBytes(path);
   const auto record = detail::readLockFile(lockPath);
-  if (record == nullptr && !files->fileExistsAtPath(lockPath)) {
+  // What could be read is there, as far as the shared manager goes; others may say otherwise.
+  const bool isThere = record != nullptr && files.get() == FileManager::defaultManager().get();
+  if (!isThere && !files->fileExistsAtPath(lockPath)) {
     throw InternalInconsistencyException(failed + ": lock file " + lockPath + " does not exist");
   }
   if (record == nullptr) {

@@ -52,6 +52,11 @@ bool existsAt(const std::string& path) {
   return fileCalls().lstat(path.c_str(), &about) == 0;
 }
 
+int removeWhatIsOpen(const std::string& path, const OpenFile& file) {
+  if (!stillNames(path, file.get())) return ESTALE;
+  return fileCalls().unlink(path.c_str()) == 0 ? 0 : errno;
+}
+
 void pause() {
   const timespec time{0, 50'000};
   ::nanosleep(&time, nullptr);
@@ -133,11 +138,16 @@ LockAttempt attemptLock(const std::string& lockPath) {
   return failed.error != 0 ? std::move(failed) : asker.ask();
 }
 
+// Who takes a stale lock over has the old file locked for a moment. One who keeps a file locked
+// that is not stale has no business there, and is not waited for without end.
 int removeLock(const std::string& lockPath, const OpenFile& file) {
-  const InodeLock only(file.get(), LOCK_EX);
-  if (only.error() != 0) return only.error();
-  if (!stillNames(lockPath, file.get())) return ESTALE;
-  return fileCalls().unlink(lockPath.c_str()) == 0 ? 0 : errno;
+  for (int turns = 0; turns < kMostTurns; ++turns) {
+    const InodeLock only(file.get(), LOCK_EX | LOCK_NB);
+    if (only.error() == 0) return removeWhatIsOpen(lockPath, file);
+    if (only.error() != EWOULDBLOCK) return only.error();
+    pause();
+  }
+  return removeWhatIsOpen(lockPath, file);
 }
 
 }  // namespace qx::detail

@@ -4,8 +4,7 @@
 //     auto files = qx::FileManager::defaultManager();
 //     createPathToFile(files, "/data/a/b/c.txt", nullptr);               // makes /data/a/b
 //     auto name = tempFilenameFromTemplate(files, "/tmp/out-@@.txt", "@@");   // "/tmp/out-1.txt"
-//     auto folder = scratchDirectoryPath(files);     // "/tmp/Report-alice-1", for this process
-//     alone
+//     auto folder = scratchDirectoryPath(files);   // "/tmp/Report-alice-1", of this process alone
 //
 // A nil file manager gives nil or false, and nil as a path or template raises
 // InvalidArgumentException. An application that uses these operations from several threads calls

@@ -25,6 +25,9 @@
 // other for gone. On network file systems linking, renaming and flock may not be atomic between
 // machines, and what one of them sees may be old. Whoever removes or replaces the lock file by
 // other means breaks the lock.
+//
+// A file system without hard links has no QXFileLock: asking gives the system's error. There
+// lockFileAtPath alone serves.
 #pragma once
 
 #include <QXFoundation/dictionary.h>

@@ -4,10 +4,12 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 
 #include <QXFoundation/extended_attributes.h>
+#include <QXFoundation/property_list.h>
 
 #include "tests/files/attribute_checks.h"
 
@@ -61,6 +63,31 @@ TEST(AttributeCalls, AValueThatGrowsIsReadAgain) {
   calls.growth = {6000, 7000, 7000};
   EXPECT_EQ(dataForExtendedAttribute(urlOf("/f"), "a")->length(), 7000U);
   EXPECT_EQ(calls.questions, 3);
+}
+
+// Values up to 4096 bytes are read at once, larger ones after a question for their size; both as
+// bytes and as the property values that they hold.
+TEST(AttributeCalls, ValuesOfAnySizeAreReadWhole) {
+  FakeAttributes calls;
+  for (const std::size_t size : {0U, 1U, 4095U, 4096U, 4097U, 8191U, 8192U, 8193U, 65536U}) {
+    calls.questions = 0;
+    calls.value = std::string(size, 'x');
+    EXPECT_EQ(dataForExtendedAttribute(urlOf("/f"), "a")->view(), calls.value) << size;
+    EXPECT_EQ(calls.questions, size > 4096 ? 1 : 0) << size;
+    const PropertyValue list = array(std::string(size, 'y'), Data::from(calls.value));
+    calls.value =
+        PropertyListSerialization::dataWithPropertyList(list, PropertyListFormat::binary)->view();
+    const PropertyValue read = valueOfExtendedAttributeWithName(urlOf("/f"), "a");
+    std::fill(calls.value.begin(), calls.value.end(), 'z');
+    EXPECT_TRUE(read == list) << size;
+  }
+}
+
+TEST(AttributeCalls, AValueThatShrinksWhileItIsReadIsAsLongAsItWasRead) {
+  FakeAttributes calls;
+  calls.value = std::string(5000, 'x');
+  calls.growth = {3};
+  EXPECT_EQ(dataForExtendedAttribute(urlOf("/f"), "a")->view(), "xxx");
 }
 
 TEST(AttributeCalls, AVolumeWithRoomIsNotFull) {

@@ -50,6 +50,18 @@ TEST(ColorTag, IsReachedByKey) {
   EXPECT_TRUE(classNamed("QXColorTag") == t.cls());
 }
 
+TEST(ColorTag, IsMadeAndChangedBySelector) {
+  const PropertyValue t =
+      performSelector(classOf<QXColorTag>(), "colorTagWithName:andColor:", "\xC3\xA4", -3);
+  EXPECT_TRUE(t == tag("\xC3\xA4", -3));
+  EXPECT_TRUE(performSelector(t, "name") == "\xC3\xA4");
+  performSelector(t, "setName:", "\xC3\xA4");
+  EXPECT_TRUE(performSelector(t, "name") == "a\xCC\x88");
+  performSelector(t, "setColor:", 5);
+  EXPECT_TRUE(performSelector(t, "color") == 5);
+  EXPECT_TRUE(performSelector(t, "isEqual:", tag("A\xCC\x88", 5)) == true);
+}
+
 struct EqualityCase {
   PropertyValue a, b;
   bool isEqual;

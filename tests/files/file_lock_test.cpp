@@ -220,6 +220,17 @@ TEST_F(FileLockTest, GivesUpWhereTheOldFileStaysLocked) {
   EXPECT_TRUE(QXFileLock::lock(path_).isHeld());
 }
 
+// Whoever may read a lock file may lock it, too.
+TEST_F(FileLockTest, IsGivenBackThoughAStrangerKeepsTheFileLocked) {
+  auto lock = QXFileLock::lock(path_);
+  const int file = ::open(lock_.c_str(), O_RDONLY | O_CLOEXEC);
+  ASSERT_EQ(::flock(file, LOCK_EX), 0);
+  EXPECT_TRUE(lock.unlock(&error_));
+  EXPECT_TRUE(error_ == nullptr);
+  EXPECT_FALSE(isLocked());
+  ::close(file);
+}
+
 // Between looking at a stale lock and locking it, another process took it over.
 class OvertakingCalls : public detail::FileCalls {
  public:

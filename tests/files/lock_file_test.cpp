@@ -175,6 +175,20 @@ TEST(LockFile, AskedForTwiceByOneProcessIsHeldByItself) {
   EXPECT_TRUE(PropertyValue(second) == PropertyValue(first));
 }
 
+TEST(LockFile, IsReadInAnyFormatOfPropertyLists) {
+  const TemporaryFolder folder;
+  const auto record = recordOfProcess(::getpid());
+  test_support::writeBytes(
+      folder / "f.lock",
+      PropertyListSerialization::dataWithPropertyList(record, PropertyListFormat::binary)->view());
+  bool created = true;
+  EXPECT_TRUE(PropertyValue(lockFileAtPath(files(), folder / "f", false, created)) ==
+              PropertyValue(record));
+  EXPECT_FALSE(created);
+  unlockFileAtPath(files(), folder / "f");
+  EXPECT_TRUE(folder.names().empty());
+}
+
 const char* const kUnreadable[] = {"", "garbage", "<plist><array/></plist>",
                                    "<?xml version=\"1.0\"?><plist><dict><key>hostName</key><str",
                                    "\x00\x01\x02"};

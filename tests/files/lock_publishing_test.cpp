@@ -3,7 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
+#include <filesystem>
 
+#include <QXFoundation/file_lock.h>
 #include <QXFoundation/lock_file.h>
 
 #include "tests/support/failing_file_calls.h"
@@ -80,6 +82,38 @@ TEST(LockPublishing, WorksWithoutUnnamedFiles) {
   EXPECT_TRUE(created);
   unlockFileAtPath(files(), folder / "a/b/f");
   EXPECT_EQ(folder.names(), (std::vector<std::string>{"a"}));
+}
+
+// As of a file system that has no hard links.
+class WithoutLinks : public test_support::FailingFileCalls {
+ public:
+  WithoutLinks(const char* call, int error) : FailingFileCalls(call, 0, error) {}
+  int link(const char*, const char*) override {
+    errno = EPERM;
+    return -1;
+  }
+};
+
+TEST(LockPublishing, WorksWithoutHardLinks) {
+  for (const int error : {EPERM, EOPNOTSUPP, ENOSYS, EMLINK}) {
+    for (const bool unnamed : {false, true}) {
+      const TemporaryFolder folder;
+      WithoutLinks calls("linkDescriptor", error);
+      calls.allowsUnnamedFiles = unnamed;
+      const detail::ReplacedFileCalls replaced(calls);
+      bool created = false;
+      Ref<Error> failure;
+      const auto record = lockFileAtPath(files(), folder / "a/f", false, created, &failure);
+      EXPECT_TRUE(created) << error;
+      EXPECT_TRUE(failure == nullptr);
+      EXPECT_TRUE(PropertyValue(lockRecordForPath(files(), folder / "a/f")) == record);
+      unlockFileAtPath(files(), folder / "a/f");
+      const auto strict = QXFileLock::lock(folder / "a/f", &failure);
+      EXPECT_FALSE(strict.isHeld());
+      EXPECT_EQ(failure->code(), EPERM);
+      EXPECT_TRUE(std::filesystem::is_empty(folder / "a"));
+    }
+  }
 }
 
 }  // namespace

@@ -76,6 +76,9 @@ TEST_P(ForeignLock, IsLeftAlone) {
 INSTANTIATE_TEST_SUITE_P(Table, ForeignLock,
                          testing::Values(ForeignCase{"own", "here", "ann", 77, true},
                                          ForeignCase{"own_as_text", "here", "ann", "77", true},
+                                         ForeignCase{"own_as_real", "here", "ann", 77.5, true},
+                                         ForeignCase{"own_in_its_lower_32_bits", "here", "ann",
+                                                     std::int64_t{0x10000004D}, true},
                                          ForeignCase{"other_host", "there", "ann", 77, false},
                                          ForeignCase{"other_user", "here", "bob", 77, false},
                                          ForeignCase{"other_process", "here", "ann", 78, false},
@@ -99,6 +102,26 @@ TEST(Unlocking, RaisesWhereTheLockCanNotBeRemoved) {
   ASSERT_TRUE(lockFileAtPath(keeping, folder / "f", false, created) != nullptr);
   EXPECT_EQ(reasonOf<GenericException>([&] { unlockFileAtPath(keeping, folder / "f"); }),
             "Error unlocking file at " + (folder / "f") + ": lock file couldn't be removed");
+  EXPECT_EQ(folder.names(), (std::vector<std::string>{"f.lock"}));
+}
+
+// A file manager that sees nothing.
+class BlindManager : public FileManager {
+ public:
+  using FileManager::fileExistsAtPath;
+  bool fileExistsAtPath(StringArg) const override { return false; }
+};
+void describe(ClassBuilder<BlindManager>& c) { c.name("BlindManager").inherits<FileManager>(); }
+
+TEST(Unlocking, AsksTheReceiverWhetherThereIsALock) {
+  const TemporaryFolder folder;
+  const Ref<FileManager> blind = make<BlindManager>();
+  bool created = false;
+  ASSERT_TRUE(lockFileAtPath(blind, folder / "f", false, created) != nullptr);
+  EXPECT_EQ(
+      reasonOf<InternalInconsistencyException>([&] { unlockFileAtPath(blind, folder / "f"); }),
+      "Error unlocking file at " + (folder / "f") + ": lock file " + (folder / "f.lock") +
+          " does not exist");
   EXPECT_EQ(folder.names(), (std::vector<std::string>{"f.lock"}));
 }
 

@@ -108,6 +108,47 @@ TEST(QueryParameters, MayBeMany) {
   EXPECT_TRUE(text(URLByAppendingQueryParameters(url(before), parameters)) == after);
 }
 
+// Names are found whether they are few or many, in Latin-1 or beyond it, and whatever was taken out
+// of the dictionary before.
+TEST(QueryParameters, AreFoundInEveryKindOfDictionary) {
+  for (const int count : {1, 7, 8, 9, 16, 17, 40}) {
+    for (const int removed : {0, 1, 30}) {
+      const auto parameters = MutableDictionary::init();
+      for (int i = 0; i < removed; ++i) parameters->setObject("gone", "gone" + std::to_string(i));
+      std::string before = "http://h/p?x&gone0=1";
+      std::string after = before;
+      for (int i = 0; i < count; ++i) {
+        const std::string n = std::to_string(i);
+        const bool isWide = i % 3 == 2;
+        parameters->setObject("v", (isWide ? "\xE2\x82\xAC" : "k") + n);
+        const std::string written = (isWide ? "%E2%82%AC" : "k") + n;
+        before += "&" + written + "=old&x" + n;
+        after += "&x" + n;
+      }
+      for (int i = 0; i < count; ++i) {
+        after += std::string("&") + (i % 3 == 2 ? "%E2%82%AC" : "k") + std::to_string(i) + "=v";
+      }
+      for (int i = 0; i < removed; ++i) parameters->removeObjectForKey("gone" + std::to_string(i));
+      EXPECT_EQ(text(URLByAppendingQueryParameters(url(before), parameters)), after)
+          << count << " " << removed;
+    }
+  }
+}
+
+// Around what is kept on the stack, whose room grows in the middle of a name, a value, or an item.
+TEST(QueryParameters, MayBeOfAnyLength) {
+  for (const std::size_t length : {1U, 160U, 170U, 171U, 500U, 511U, 512U, 513U, 5000U, 100000U}) {
+    const std::string plain(length, 'a');
+    std::string encoded;
+    for (std::size_t i = 0; i < length; ++i) encoded += "%20";
+    EXPECT_EQ(
+        text(URLByAppendingQueryParameters(
+            url("http://h/" + plain + "?k=" + plain + "&d#f"),
+            dict({{std::string(length, ' '), plain}, {"d", std::string(length, ' ')}}))),
+        "http://h/" + plain + "?k=" + plain + "&" + encoded + "=" + plain + "&d=" + encoded + "#f");
+  }
+}
+
 TEST(QueryParameters, AreStrings) {
   EXPECT_THROW((void)URLByAppendingQueryParameters(url("http://h/"), dict({{"a", 1}})),
                InvalidArgumentException);

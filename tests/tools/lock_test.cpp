@@ -83,6 +83,20 @@ TEST_F(LockCommand, IsRefusedWithTheRecordWhileAnotherHoldsTheLock) {
   EXPECT_FALSE(isLocked());
 }
 
+TEST_F(LockCommand, OverridesNoFolderAndWhatLeadsNowhere) {
+  std::filesystem::create_directory(path_ + ".lock");
+  const std::string kept = folder_.file("f.lock/kept", "");
+  const ProgramRun run = runTool({"lock", path_, "--override", "--", "true"});
+  EXPECT_EQ(run.exitCode, 2);
+  EXPECT_EQ(run.err, "qx: cannot lock " + path_ + ": Is a directory\n");
+  EXPECT_TRUE(std::filesystem::exists(kept));
+  std::filesystem::remove_all(path_ + ".lock");
+  std::filesystem::create_symlink("nowhere", path_ + ".lock");
+  EXPECT_EQ(under({"true"}).exitCode, 75);
+  EXPECT_EQ(runTool({"lock", path_, "--override", "--", "true"}).exitCode, 0);
+  EXPECT_FALSE(std::filesystem::is_symlink(path_ + ".lock"));
+}
+
 TEST_F(LockCommand, IsRefusedByACommandThatRunsUnderTheLock) {
   EXPECT_EQ(under({QX_TOOL_PATH, "lock", path_, "--", "true"}).exitCode, 75);
 }

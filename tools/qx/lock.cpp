@@ -1,6 +1,9 @@
 // qx lock: runs a command while it holds the lock of a file, or shows who holds it.
 
+#include <unistd.h>
+
 #include <CLI/App.hpp>
+#include <cerrno>
 #include <memory>
 #include <string>
 #include <vector>
@@ -67,16 +70,16 @@ void showLock(const LockOptions& options) {
                 (error != nullptr ? ": " + error->localizedDescription() : ""));
 }
 
+// The lock there is now gives way, whoever holds it; the next step is the same for all. A folder of
+// that name is no lock, and nobody means to lose what is in it.
+void removeOther(const std::string& path) {
+  const auto lock = lockFilePathForPath(qx::FileManager::defaultManager(), path)->utf8();
+  if (::unlink(lock.c_str()) != 0 && errno != ENOENT) failFor(path, qx::Error::posixError(errno));
+}
+
 qx::QXFileLock lockOf(const LockOptions& options) {
+  if (options.overriding) removeOther(options.path);
   qx::Ref<qx::Error> error;
-  if (options.overriding) {
-    // The lock there is now gives way, whoever holds it; the next step is the same for all.
-    const auto files = qx::FileManager::defaultManager();
-    if (lockRecordForPath(files, options.path) != nullptr) {
-      const auto lock = lockFilePathForPath(files, options.path);
-      if (!files->removeItemAtPath(lock, &error)) failFor(options.path, error);
-    }
-  }
   auto lock = qx::QXFileLock::lock(options.path, &error);
   if (!lock.isHeld() && lock.record() != nullptr) failAsHeld(options.path, lock.record());
   if (!lock.isHeld()) failFor(options.path, error);
