@@ -3,7 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <functional>
+#include <limits>
 #include <random>
 #include <string>
 #include <utility>
@@ -185,7 +187,7 @@ class Source {
 
 TEST(Blocks, AgreeWithTheRules) {
   Source source(23);
-  for (int round = 0; round < 60; ++round) {
+  for (int round = 0; round < 100; ++round) {
     const auto list = source.list();
     for (int n = 0; n < 8; ++n) {
       expectAgreement(list, source.tree());
@@ -225,6 +227,30 @@ TEST(Blocks, EndWithTheStepsThatTheyTake) {
     expectAgreement(
         list, QXAndQualifier::initWithQualifierArray(PropertyValue(others->copy()).as<Array>()));
   }
+}
+
+// Equalities of one key one after the other, which lead on to the same step or to different ones.
+TEST(Blocks, TellTextsUnderOneKeyApart) {
+  const std::string texts[] = {"", "a", "b", "na\xC3\xAFve", "\xF0\x9F\x98\x80", "c"};
+  const auto list = MutableArray::init();
+  for (std::size_t n = 0; n < 700; ++n) {
+    const std::string& text = texts[n % 6];
+    const PropertyValue s = n % 97 == 0   ? PropertyValue(MutableString::from(text))
+                            : n % 89 == 0 ? PropertyValue(null)
+                                          : PropertyValue(text);
+    list->addObject(n % 83 == 0 ? dict({{"i", 1}}) : dict({{"s", s}, {"i", n % 4}}));
+  }
+  const auto s = [&](std::size_t n) { return key("s") == texts[n]; };
+  const auto isNot = [&](std::size_t n) { return key("s") != texts[n]; };
+  const QualifierExpr expressions[] = {s(1) || s(2) || s(4),
+                                       s(1) || (s(2) && key("i") == 1) || s(5),
+                                       (s(1) && key("i") == 1) || s(2),
+                                       (s(1) && key("i") == 1) || (s(3) && key("i") == 2),
+                                       !(s(0) || s(3) || s(4)) && key("i") >= 1,
+                                       isNot(1) && isNot(2) && isNot(4),
+                                       isNot(1) || s(1),
+                                       s(1) || isNot(2) || key("i") == 3};
+  for (const QualifierExpr& e : expressions) expectAgreement(list, e);
 }
 
 // A value that tells when it is compared.
