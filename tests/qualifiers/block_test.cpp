@@ -196,6 +196,23 @@ TEST(Blocks, AgreeWithTheRules) {
   }
 }
 
+TEST(Blocks, ReadFieldsThatStandBeforeTheRoot) {
+  const auto list = MutableArray::init();
+  for (int n = 0; n < 300; ++n) {
+    const auto object = n % 2 == 0 ? make<Behind>() : Ref<Behind>(make<FurtherBehind>());
+    object->l = n;
+    object->d = n / 2.0;
+    list->addObject(object);
+  }
+  for (const Ref<QXQualifier>& q :
+       {Ref<QXQualifier>(key("l") >= 200), Ref<QXQualifier>(key("d") < 20.5 && key("l") != 7)}) {
+    expectAgreement(list, q);
+    const Matching<Behind> matching(q);
+    for (const PropertyValue& object : *list)
+      ASSERT_EQ(matching(object.as<Behind>()), reference::walk(q, object));
+  }
+}
+
 // Of more layouts than are known at once, the first are forgotten for a class whose objects answer
 // for themselves.
 TEST(Blocks, ForgottenLayoutsLeaveNothingBehind) {
