@@ -127,10 +127,14 @@ bool RunLoopState::turn(LoopMode& mode) {
   return count != 0;
 }
 
+// Ports may be announced still though they are empty: one whose last letter is being performed, by
+// an operation that runs the loop again, or was left behind by what was raised. Nobody would wake
+// the loop for their next letters, so that the mark is taken away before.
 void RunLoopState::sleep(LoopMode& mode, std::int64_t limit) {
   if (!timers_.empty()) descriptors_.setTimer(timers_.nextDue(mode));
   signal_->arm();
-  if (!signal_->hasAnnouncements() && !signal_->isStopRequested()) descriptors_.wait(limit);
+  if (!ready_.isAnyIn(mode) && !signal_->hasAnnouncements() && !signal_->isStopRequested())
+    descriptors_.wait(limit);
   signal_->disarm();
 }
 

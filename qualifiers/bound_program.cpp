@@ -61,6 +61,7 @@ bool BoundProgram::setRelation(BoundStep& bound, const CompiledTest& test) {
 
 void BoundProgram::start(const Program& program) {
   const std::vector<Program::Step>& steps = program.steps();
+  suitsBlocks_ = false;  // what it was bound to before may have suited them
   steps_.assign(steps.size() + 2, BoundStep());
   end_ = steps_.data() + steps.size();
   const auto target = [this](Program::Target t) {
@@ -99,7 +100,7 @@ void BoundProgram::bindToShape(const Program& program, const Layout& layout) {
     if (!step.readsOneKey()) continue;
     const Place& place = layout.place(step.key);
     if (place.way != Place::Way::slot) continue;
-    bound.place = place.slot;
+    bound.place = static_cast<std::int32_t>(place.slot);
     bindWord(bound, *step.test);
   }
   finish();
@@ -150,7 +151,7 @@ void BoundProgram::bindField(BoundStep& bound, const CompiledTest& test, const P
                              const Subject& subject) {
   const Property& property = *place.property;
   const auto* address = static_cast<const char*>(property.field(subject, property.payload));
-  bound.place = static_cast<std::uint32_t>(address - static_cast<const char*>(subject.address()));
+  bound.place = static_cast<std::int32_t>(address - static_cast<const char*>(subject.address()));
   bound.type = property.type;
   bound.way = Way::otherField;
   const bool isInteger = test.kind() == CompiledTest::Kind::integer;

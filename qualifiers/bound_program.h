@@ -41,7 +41,9 @@ struct BoundStep {
 
   Way way = Way::unbound;
   FieldType type = FieldType::none;
-  std::uint32_t place = 0;  // slot of a dictionary, offset in bytes within an object
+  // Slot of a dictionary; or bytes from where an object begins to the field, which may stand before
+  // that, in a base of its class that comes first.
+  std::int32_t place = 0;
   const BoundStep* next[2] = {nullptr, nullptr};  // on false, on true
   // Whether the range of integers, the relation to the real or the equality of texts decides the
   // other way round.

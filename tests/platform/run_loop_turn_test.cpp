@@ -118,6 +118,24 @@ TEST_F(RunLoopTurnThread, ServesAHostThatNests) {
   turn();
 }
 
+// Nothing else waits when the dialog opens, and the port is still announced.
+TEST_F(RunLoopTurnThread, ServesAHostThatNestsInTheLastMessage) {
+  const auto port = portFor(NSDefaultRunLoopMode);
+  listener->then = [&](const std::string& text) {
+    if (text != "dialog") return;
+    for (int i = 0; i < 2; ++i) {
+      if (isReadable(*loop)) loop->runPending();
+      std::thread([&] { send(port, "inside"); }).join();
+      ASSERT_TRUE(isReadable(*loop));
+      loop->runPending();
+    }
+  };
+  send(port, "dialog");
+  loop->runPending();
+  EXPECT_THAT(heard(), ElementsAre("dialog", "inside", "inside"));
+  EXPECT_FALSE(isReadable(*loop));
+}
+
 TEST_F(RunLoopTurnThread, TellsItsHostWhatAnOperationRaises) {
   const auto port = portFor(NSDefaultRunLoopMode);
   listener->then = [&](const std::string& text) {

@@ -44,6 +44,49 @@ TEST_F(RunLoopWaitThread, WaitsForAMessage) {
   EXPECT_THAT(heard(), ElementsAre("late"));
 }
 
+// What a run sleeps through when nobody wakes it comes with its limit.
+constexpr double kLimit = 20;
+
+// A port that has just given its last message, to whoever runs the loop now.
+TEST_F(RunLoopWaitThread, WaitsInANestedRun) {
+  const auto port = portFor(NSDefaultRunLoopMode);
+  std::thread sender;
+  bool wasHeard = false;
+  listener->then = [&](const std::string& text) {
+    if (text != "nest") return;
+    sender = std::thread([&] {
+      std::this_thread::sleep_for(std::chrono::milliseconds(50));
+      send(port, "late");
+    });
+    loop->runMode(NSDefaultRunLoopMode, inSeconds(kLimit));
+    wasHeard = listener->heard.back() == "late";
+  };
+  send(port, "nest");
+  const Clock clock;
+  turn();
+  sender.join();
+  EXPECT_TRUE(wasHeard);
+  EXPECT_LT(clock.seconds(), kLimit / 2);
+}
+
+TEST_F(RunLoopWaitThread, WaitsBehindWhatRaisedInAnotherMode) {
+  const auto port = portFor("modal");
+  listener->then = [&](const std::string& text) {
+    if (text == "raise") throw GenericException("raised");
+  };
+  send(port, "raise");
+  EXPECT_THROW(turn("modal"), GenericException);
+  std::thread sender([&] {
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    send(port, "late");
+  });
+  const Clock clock;
+  EXPECT_TRUE(loop->runMode("modal", inSeconds(kLimit)));
+  sender.join();
+  EXPECT_THAT(heard(), ElementsAre("raise", "late"));
+  EXPECT_LT(clock.seconds(), kLimit / 2);
+}
+
 TEST_F(RunLoopWaitThread, EndsAtItsLimit) {
   const auto port = portFor(NSDefaultRunLoopMode);
   for (const double seconds : {0.0, 0.0015, 0.05}) {

@@ -94,6 +94,34 @@ TEST_F(ThreadMessageMemory, AllocatesNothingForRecordsOfManyThreads) {
   giveUp(*quiet, 400);
 }
 
+// The last of them when the thread has given up its own sheet already.
+TEST_F(ThreadMessageMemory, FreesRecordsOfThreadsThatEndMeanwhile) {
+  SKIP_WITHOUT_OWN_MEMORY();
+  const auto quiet = make<Thing>();
+  constexpr int kRounds = 300;
+  constexpr int kCalls = 100;  // more than a sheet holds
+  struct Late {
+    ~Late() { message->sendMessageTo(receiver, "isEqual:", 1); }
+    Ref<QXThreadMessage> message;
+    Ref<Thing> receiver;
+  };
+  const auto round = [&] {
+    onAnotherThread([&] {
+      thread_local Late late;  // ends behind what the first call makes
+      late.message = message;
+      late.receiver = quiet;
+      for (int i = 1; i < kCalls; ++i) message->sendMessageTo(quiet, "isEqual:", 1);
+    });
+    EXPECT_EQ(references(*quiet), 1U + kCalls);
+    while (!isIdle(*message)) turn();
+    giveUp(*quiet, kCalls);
+  };
+  round();
+  const long before = livePieces();
+  for (int i = 0; i < kRounds; ++i) round();
+  EXPECT_LT(livePieces() - before, 20);
+}
+
 TEST_F(ThreadMessageMemory, FreesTheRecordOfACallThatRaises) {
   SKIP_WITHOUT_OWN_MEMORY();
   const auto raises = [&](int calls) {
