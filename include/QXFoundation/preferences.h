@@ -85,7 +85,8 @@ class QX_EXPORT QXPreferences : public Object {
   [[nodiscard]] std::optional<T> get(StringArg keyPath) const {
     return objectForKeyPath(keyPath).template to<T>();
   }
-  // The setting, or the key's own value where there is none of its kind.
+  // The setting, or the key's own value where there is none of its kind. As everywhere, a path that
+  // leads through a value which is no container raises.
   template <PreferenceType T>
   [[nodiscard]] T get(const PreferenceKey<T>& key) const {
     auto found = get<T>(key.path);

@@ -201,6 +201,11 @@ TEST_F(Prefs, RefusesToSetWhereTheValueWouldNotStandAfterwards) {
                 "no value can be set at list[3].n: its index stands for no place");
   expectFailure({"set", "list[0]", "x"},
                 "no value can be set at list[0]: its index stands for no place");
+  for (const char* path :
+       {"list[zero]", "list[0]more", "list[", "list]", "list[]", "[0", "list[0][0]"}) {
+    expectFailure({"set", path, "x"}, std::string("no value can be set at ") + path +
+                                          ": brackets hold a number, at the end of a key");
+  }
   EXPECT_EQ(contentOf(path()), before);
 }
 

@@ -91,10 +91,27 @@ void requireWritable(const qx::PropertyValue& value) {
   }
 }
 
+// A store takes what stands behind a bracket for nothing: "size[large]" would be "size".
+void requirePlainIndexes(const std::string& keyPath) {
+  std::size_t at = 0;
+  while ((at = keyPath.find_first_of("[]", at)) != std::string::npos) {
+    const std::size_t end = keyPath.find_first_not_of("0123456789", at + 1);
+    const bool isIndex = keyPath[at] == '[' && end != std::string::npos && end > at + 1 &&
+                         keyPath[end] == ']' &&
+                         (end + 1 == keyPath.size() || keyPath[end + 1] == '.');
+    if (!isIndex) {
+      throw Failure("no value can be set at " + keyPath +
+                    ": brackets hold a number, at the end of a key");
+    }
+    at = end + 1;
+  }
+}
+
 // Paths whose value would not be found there again, such as one beyond the end of an array, are
 // dropped by a store without a word. Here they change nothing.
 void set(const Work& work) {
   const std::string& keyPath = *work.request.keyPath;
+  requirePlainIndexes(keyPath);
   const qx::PropertyValue value =
       valueFromText(work.options.type.value_or("string"), *work.request.value);
   requireWritable(value);
