@@ -141,7 +141,7 @@ TEST_F(Roads, ComeToTheSame) {
     ASSERT_FALSE(detail::PreferencesAccess::onlyMarks(*stepByStep));
     Heard ofOneStep(inOneStep);
     Heard ofSteps(stepByStep);
-    for (int step = 0; step < 60; ++step) {
+    for (unsigned step = 0; step < 60; ++step) {
       const char* path = kPaths[std::mt19937(seed * 1000 + step)() % std::size(kPaths)];
       std::mt19937 one(seed * 7919 + step);
       std::mt19937 other = one;
