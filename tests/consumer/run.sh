@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs the library from a build tree and builds and runs a program against the installed copy: shared and
-# static, found by CMake and by pkg-config.
+# static, found by CMake and by pkg-config; and the example programs against the shared one.
 #
 #   run.sh BUILD_DIR
 #
@@ -73,6 +73,16 @@ consume_with_pkg_config() {
   quietly env "LD_LIBRARY_PATH=$libdir" "$program"
 }
 
+# The example programs as one project by itself, each held against what it is to print.
+consume_examples() {
+  local prefix=$1 tree=$work/examples
+  quietly cmake -S "$source_dir/examples" -B "$tree" -G Ninja "-DCMAKE_CXX_COMPILER=$compiler" \
+    -DCMAKE_CXX_FLAGS=-O0 "-DCMAKE_PREFIX_PATH=$prefix"
+  quietly cmake --build "$tree"
+  quietly ctest --test-dir "$tree" --no-tests=error --output-on-failure
+  echo "examples: good"
+}
+
 check_variants() {
   local kind=$1 tree=$2 prefix=$work/prefix-$1 libdir
   quietly cmake --install "$tree" --prefix "$prefix"
@@ -88,5 +98,6 @@ if [ "$(cached QXFOUNDATION_STATIC)" = ON ]; then
   exit
 fi
 check_variants shared "$build_dir"
+consume_examples "$work/prefix-shared"
 build_static_tree
 check_variants static "$build_dir/package-static"
