@@ -12,6 +12,8 @@ source_dir=$(cd "$here/../.." && pwd)
 build_dir=$(cd "${1:?usage: run.sh BUILD_DIR}" && pwd)
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
+# shellcheck source=tests/support/quietly.sh
+. "$here/../support/quietly.sh"
 
 # The value of a cache variable of the build tree.
 cached() {
@@ -20,15 +22,6 @@ cached() {
 
 compiler=$(cached CMAKE_CXX_COMPILER)
 build_type=$(cached CMAKE_BUILD_TYPE)
-
-# Runs a command, and shows what it wrote only if it fails.
-quietly() {
-  if ! "$@" >"$work/log" 2>&1; then
-    printf 'failed: %s\n' "$*" >&2
-    cat "$work/log" >&2
-    return 1
-  fi
-}
 
 build_static_tree() {
   quietly cmake -S "$source_dir" -B "$build_dir/package-static" -G Ninja \
