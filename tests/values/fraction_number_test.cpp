@@ -1,12 +1,12 @@
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <cstring>
 #include <limits>
 
 #include <QXFoundation/QXFoundation.h>
 #include <QXFoundation/fraction_number.h>
 
-#include "tests/frame/raises.h"
 #include "tests/values/fractions.h"
 
 namespace qx {
