@@ -10,7 +10,7 @@ if(NOT Boost_FOUND)
 endif()
 
 # pkg-config names of the libraries that are linked. The installed package names them again for static linking.
-set(QXFOUNDATION_PKGCONFIG_DEPENDENCIES libutf8proc fmt liburiparser)
+set(QXFOUNDATION_PKGCONFIG_DEPENDENCIES libutf8proc liburiparser)
 
 set(qxfoundation_link_dependencies Threads::Threads)
 foreach(module IN LISTS QXFOUNDATION_PKGCONFIG_DEPENDENCIES)

@@ -36,7 +36,7 @@ set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SHLIBDEPS OFF)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "${library_package} (= ${PROJECT_VERSION})")
 if(QXFOUNDATION_STATIC)
-  set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "libutf8proc-dev, libfmt-dev, liburiparser-dev")
+  set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "libutf8proc-dev, liburiparser-dev")
 endif()
 set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION "Utility library for desktop applications, development files
  Headers of QXFoundation, its CMake package and its pkg-config file.")

@@ -95,8 +95,8 @@ bool appendUnderLock(const std::string& path) {
   if (!lock.isHeld()) return failed("lock the report", error);
   const auto second = qx::QXFileLock::lock(path, &error);
   if (second.isHeld() || second.record() == nullptr) return false;
-  std::cout << "held by process " << second.record()->objectForKey("processNumber").description()
-            << (second.record()->isEqual(lock.record()) ? ", which is this one\n" : "\n");
+  const bool isOwn = second.record()->isEqual(lock.record());
+  std::cout << "held by " << (isOwn ? "this very process\n" : "another process\n");
   std::ofstream(path, std::ios::app) << "It still is.\n";
   if (!lock.unlock(&error)) return failed("unlock the report", error);
   return !std::filesystem::exists(path + ".lock");

@@ -66,7 +66,11 @@ void show(const char* heading, const qx::Ref<qx::QXQualifier>& qualifier) {
 // raises.
 int showSelected(const char* format, const char* text) {
   int number = 0;
-  std::from_chars(text, text + std::strlen(text), number);
+  const char* end = text + std::strlen(text);
+  if (std::from_chars(text, end, number).ptr != end) {
+    std::cerr << text << ": this is no number\n";
+    return 2;
+  }
   try {
     const auto explanation =
         qx::QXQualifier::explainQualifierFormat(qx::runtimeFormat(format), number);

@@ -47,13 +47,6 @@ struct WordAccess {
   }
 
   static bool specialNumber(std::uint64_t word, NumericValue& out);
-
-  // Gives up the value's count: the caller owns the object.
-  static Object* leakObject(V& v) {
-    Object* o = v.object();
-    v.word_ = 0;
-    return o;
-  }
 };
 
 }  // namespace qx::detail

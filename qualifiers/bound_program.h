@@ -37,7 +37,6 @@ struct BoundStep {
     otherField,
     unbound,  // evaluated without a place
   };
-  static constexpr Way kLastWordWay = Way::wordOther;
 
   Way way = Way::unbound;
   FieldType type = FieldType::none;

@@ -10,7 +10,7 @@
 #   ci      all of these, the second compiler with its sanitizers and fuzz engine, the formatter, and what makes the API reference
 set -euo pipefail
 
-build=(g++ cmake ninja-build ccache pkg-config libutf8proc-dev libfmt-dev liburiparser-dev
+build=(g++ cmake ninja-build ccache pkg-config libutf8proc-dev liburiparser-dev
   libboost-dev libcli11-dev nlohmann-json3-dev)
 test=(libgtest-dev libgmock-dev python3 binutils libexpat1-dev libplist-utils tzdata
   dpkg-dev zsh)

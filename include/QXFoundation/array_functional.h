@@ -14,7 +14,8 @@
 // is `cls` or one below it, and skips the others.
 //
 // The walk goes over what the array held at its start, whatever the block does to it. Exceptions of
-// the block pass through. A nil array gives nil or false and calls nothing.
+// the block pass through. A nil array gives nil or false and calls nothing. Blocks are called on
+// the calling thread and are not kept.
 #pragma once
 
 #include <concepts>

@@ -11,7 +11,8 @@
 //
 // Intersection, difference and the like look the elements up by hash, in time proportional to the
 // two lengths together. Elements whose class overrides one of `isEqual` and `hash` without the
-// other, and containers that hold such, are compared one by one instead.
+// other, and containers that hold such, are compared one by one instead. Thread-safe, as far as the
+// arrays and what their elements perform are.
 #pragma once
 
 #include <QXFoundation/array.h>

@@ -3,7 +3,8 @@
 //     auto deck = kwRandomize(cards);   // a shuffled copy
 //     kwRandomize(mutableCards);        // a mutable array is shuffled in place
 //
-// Which of the two it is follows from the type of the argument; by selector, from its class.
+// Which of the two it is follows from the type of the argument; by selector, from its class. The
+// numbers come from one generator of the process, which threads may share.
 #pragma once
 
 #include <concepts>

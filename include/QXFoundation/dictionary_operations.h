@@ -5,7 +5,7 @@
 //     entry
 //
 // A null that is stored is a value. What takes at most two objects can be performed by selector
-// too. A nil dictionary gives nil, 0 or false.
+// too. A nil dictionary gives nil, 0 or false. Thread-safe, as far as the dictionaries are.
 #pragma once
 
 #include <concepts>

@@ -2,6 +2,9 @@
 //
 //     auto r = qx::QXRectFromPoints({30, 40}, {10, 10});              // {10, 10, 20, 30}
 //     auto c = qx::QXCenterRect({10, 10, 20, 20}, {0, 0, 101, 40});   // {50, 20, 20, 20}
+//
+// Lengths are in whatever unit the caller counts in; x grows to the right, y downwards. Plain
+// values without state: thread-safe.
 #pragma once
 
 #include <QXFoundation/export.h>

@@ -8,6 +8,8 @@
 // seconds, or the time is midnight. For text that others write or read (web services, feeds, logs)
 // use rfc3339.h, which reads "Z" as UTC, refuses what is out of range instead of changing it, and
 // gives back what it has written.
+//
+// Thread-safe, while no thread changes the environment (`TZ`).
 #pragma once
 
 #include <cstdint>

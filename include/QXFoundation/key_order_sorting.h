@@ -14,7 +14,7 @@
 // holds exactly the elements it held, in some order.
 //
 // Getters and comparisons of the application may run, each element's getter usually once. They had
-// better leave the array alone.
+// better leave the array alone. A mutable array belongs to one thread at a time.
 #pragma once
 
 #include <cstddef>

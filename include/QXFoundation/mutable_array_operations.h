@@ -10,7 +10,7 @@
 // in proportion to the two lengths together, under the conditions that array_operations.h tells.
 //
 // Arrays whose class overrides the primitives of MutableArray see each change through them; what is
-// removed, from the last to the first.
+// removed, from the last to the first. A mutable array belongs to one thread at a time.
 #pragma once
 
 #include <cstdint>

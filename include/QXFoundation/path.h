@@ -5,6 +5,7 @@
 //
 // These operations look at the text alone, not at the file system: nothing needs to exist, and
 // symbolic links are not followed. Each can be performed by selector too. A nil receiver gives nil.
+// Thread-safe, while no thread changes the environment.
 #pragma once
 
 #include <QXFoundation/array.h>

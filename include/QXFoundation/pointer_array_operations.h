@@ -5,7 +5,8 @@
 //     removeAllNulls(watchers);
 //
 // Objects are told apart by identity alone, never by `isEqual`; nil is what a null slot holds. All
-// of them can be performed by selector too. On a nil array they do nothing and give false.
+// of them can be performed by selector too. On a nil array they do nothing and give false. An array
+// belongs to one thread at a time.
 #pragma once
 
 #include <QXFoundation/object.h>

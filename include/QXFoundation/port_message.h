@@ -22,7 +22,7 @@ class QX_EXPORT PortMessage : public Object {
   static Ref<PortMessage> initWithSendPort(In<Port> sendPort, In<Port> receivePort,
                                            In<Array> components);
 
-  // The port that an answer may go to, and the one it is sent to; either may be nil.
+  // The port it is sent to, and the one that an answer may go to, which may be nil.
   const Ref<Port>& sendPort() const { return sendPort_; }
   const Ref<Port>& receivePort() const { return receivePort_; }
   // Nil where the message was made with nil.

@@ -2,7 +2,6 @@
 //
 //     auto recent = preferences->arrayForKeyPath("recent").as<qx::QXPreferencesArray>();
 //     recent->insertObject("/tmp/letter.txt", 0);   // the store is dirty
-//
 #pragma once
 
 #include <QXFoundation/array.h>
@@ -13,6 +12,7 @@ namespace qx {
 // As QXPreferencesDictionary, for arrays: what is put in is converted alike, and changes are
 // reported, addObjectsFromArray once for all elements (even for none). A subclass that overrides
 // `emptyInstance` passes its class on to arrays among the elements that addObjectsFromArray adds.
+// Belongs to the store's thread.
 class QX_EXPORT QXPreferencesArray : public MutableArray {
  public:
   // An array that reports its changes to the store, empty or with these contents; without a

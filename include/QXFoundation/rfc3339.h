@@ -6,7 +6,8 @@
 //     qxRFC3339String(d, 120)->utf8();     // "2021-03-04T05:06:07.25+02:00"
 //
 // Every date that is written reads back as exactly the same date. The lenient reader of iso_date.h
-// takes other texts, and "Z" as local time; use it only for what was made for it.
+// takes other texts, and "Z" as local time; use it only for what was made for it. Thread-safe,
+// while no thread changes the environment (`TZ`).
 #pragma once
 
 #include <optional>

@@ -12,6 +12,7 @@
 //
 // A nil array does nothing; a nil object raises InvalidArgumentException. When something raises,
 // the array is unchanged. Comparisons that change the array themselves may meet a RangeException.
+// A mutable array belongs to one thread at a time.
 #pragma once
 
 #include <concepts>

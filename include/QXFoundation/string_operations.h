@@ -8,7 +8,7 @@
 // Ranges and lengths count UTF-16 code units; searching compares code units. All of them can be
 // performed by selector too, on strings of any class. A nil string gives nil, 0 or false. A nil
 // argument raises InvalidArgumentException where nothing else is said. Arguments may be the string
-// itself.
+// itself. Thread-safe, as far as the strings are.
 #pragma once
 
 #include <cstdint>

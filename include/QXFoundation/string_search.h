@@ -6,6 +6,7 @@
 //
 // Positions and lengths count UTF-16 code units. Without options, code units are compared: texts
 // that look alike but are composed differently are different. Receivers that are nil hold nothing.
+// Thread-safe, as far as the strings are.
 #pragma once
 
 #include <cstdint>

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs the library from a build tree and builds and runs a program against the installed copy: shared and
-# static, found by CMake and by pkg-config.
+# static, found by CMake and by pkg-config; and the example programs against the shared one.
 #
 #   run.sh BUILD_DIR
 #
@@ -12,6 +12,8 @@ source_dir=$(cd "$here/../.." && pwd)
 build_dir=$(cd "${1:?usage: run.sh BUILD_DIR}" && pwd)
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
+# shellcheck source=tests/support/quietly.sh
+. "$here/../support/quietly.sh"
 
 # The value of a cache variable of the build tree.
 cached() {
@@ -20,15 +22,6 @@ cached() {
 
 compiler=$(cached CMAKE_CXX_COMPILER)
 build_type=$(cached CMAKE_BUILD_TYPE)
-
-# Runs a command, and shows what it wrote only if it fails.
-quietly() {
-  if ! "$@" >"$work/log" 2>&1; then
-    printf 'failed: %s\n' "$*" >&2
-    cat "$work/log" >&2
-    return 1
-  fi
-}
 
 build_static_tree() {
   quietly cmake -S "$source_dir" -B "$build_dir/package-static" -G Ninja \
@@ -73,6 +66,16 @@ consume_with_pkg_config() {
   quietly env "LD_LIBRARY_PATH=$libdir" "$program"
 }
 
+# The example programs as one project by itself, each held against what it is to print.
+consume_examples() {
+  local prefix=$1 tree=$work/examples
+  quietly cmake -S "$source_dir/examples" -B "$tree" -G Ninja "-DCMAKE_CXX_COMPILER=$compiler" \
+    -DCMAKE_CXX_FLAGS=-O0 "-DCMAKE_PREFIX_PATH=$prefix"
+  quietly cmake --build "$tree"
+  quietly ctest --test-dir "$tree" --no-tests=error --output-on-failure
+  echo "examples: good"
+}
+
 check_variants() {
   local kind=$1 tree=$2 prefix=$work/prefix-$1 libdir
   quietly cmake --install "$tree" --prefix "$prefix"
@@ -88,5 +91,6 @@ if [ "$(cached QXFOUNDATION_STATIC)" = ON ]; then
   exit
 fi
 check_variants shared "$build_dir"
+consume_examples "$work/prefix-shared"
 build_static_tree
 check_variants static "$build_dir/package-static"

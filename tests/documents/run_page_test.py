@@ -5,6 +5,8 @@ import subprocess
 import sys
 import tempfile
 
+from judging import Judgement
+
 runner = pathlib.Path(__file__).with_name("run_page.py")
 compiler = sys.argv[1]
 program = "```cpp\n#include <cstdio>\nint main() { std::puts(\"%s\"); return %d; }\n```\n"
@@ -27,19 +29,11 @@ cases = [
     ("```sh\nnot run\n```\n", None),
 ]
 
-faults = []
+judgement = Judgement("pages")
 with tempfile.TemporaryDirectory() as folder:
     page = pathlib.Path(folder) / "page.md"
     for text, remark in cases:
         page.write_text(text)
-        done = subprocess.run([sys.executable, str(runner), str(page), "--compiler", compiler],
-                              capture_output=True, text=True)
-        said = done.stdout + done.stderr
-        if remark is None:
-            if done.returncode != 0:
-                faults.append(f"{text}\nshould pass:\n{said}")
-        elif done.returncode == 0 or remark not in said:
-            faults.append(f"{text}\nshould be refused with {remark!r}:\n{said}")
-if faults:
-    sys.exit("\n".join(faults))
-print(f"{len(cases)} pages judged as they should be")
+        judgement.add(text, remark, subprocess.run(
+            [sys.executable, str(runner), str(page), "--compiler", compiler], capture_output=True, text=True))
+judgement.end()

@@ -3,8 +3,13 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <limits>
 #include <random>
 #include <string>
+#include <utility>
+
+#include <QXFoundation/exception.h>
+#include <QXFoundation/number.h>
 
 #include "tests/frame/decimal_reference.h"
 #include "tests/frame/storage_forms.h"
@@ -283,6 +288,19 @@ TEST(Decimal, ToDoubleRoundsCorrectly) {
   EXPECT_EQ(dec("9007199254740993").toDouble(), 9007199254740992.0);
   EXPECT_EQ(dec("9007199254740993.000000000000000001").toDouble(), 9007199254740994.0);
   EXPECT_TRUE(std::isnan(dec("NaN").toDouble()));
+}
+
+TEST(DecimalNumber, ComesFromNumbersOfEveryKind) {
+  const std::pair<PropertyValue, const char*> cases[] = {
+      {-5, "-5"},  {~std::uint64_t{0}, "18446744073709551615"},       {0.1, "0.1"}, {0.1F, "0.1"},
+      {true, "1"}, {DecimalNumber::initWithString("12.25"), "12.25"},
+  };
+  for (const auto& [number, text] : cases) {
+    EXPECT_EQ(DecimalNumber::fromNumber(number)->stringValue(), text);
+  }
+  EXPECT_TRUE(DecimalNumber::fromNumber(std::numeric_limits<double>::quiet_NaN())->isNaN());
+  EXPECT_THROW(DecimalNumber::fromNumber("5"), InvalidArgumentException);
+  EXPECT_THROW(DecimalNumber::fromNumber(nullptr), InvalidArgumentException);
 }
 
 }  // namespace

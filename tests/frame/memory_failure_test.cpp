@@ -7,17 +7,17 @@
 #include "frame/class_record.h"
 #include "frame/dictionary_storage.h"
 #include "tests/frame/counted.h"
-#include "tests/frame/failing_memory.h"
 #include "tests/frame/person.h"
 #include "tests/frame/print_values.h"
+#include "tests/support/failing_memory/failing_memory.h"
 
 namespace qx {
 namespace {
 
 using frame_test::Counted;
-using frame_test::failAllocationAfter;
-using frame_test::failEveryAllocation;
 using frame_test::Person;
+using test_support::failAllocationAfter;
+using test_support::failEveryAllocation;
 
 void nothing() {}
 

@@ -8,16 +8,10 @@ here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 build_dir=$(cd "${1:?usage: run.sh BUILD_DIR}" && pwd)
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
+# shellcheck source=tests/support/quietly.sh
+. "$here/../support/quietly.sh"
 root=$work/root
 
-# Runs a command, and shows what it wrote only if it fails.
-quietly() {
-  if ! "$@" >"$work/log" 2>&1; then
-    printf 'failed: %s\n' "$*" >&2
-    cat "$work/log" >&2
-    return 1
-  fi
-}
 fail() {
   echo "$*" >&2
   exit 1

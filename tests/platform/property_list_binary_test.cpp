@@ -12,6 +12,9 @@ namespace qx {
 namespace {
 
 using plist::BinaryMaker;
+using plist::eachWidthOfOffsetsAndReferences;
+using plist::kReadingInEveryWidth;
+using plist::listOfOne;
 using plist::readBytes;
 using plist::readingOf;
 using plist::wide;
@@ -22,12 +25,6 @@ std::string binaryOf(const PropertyValue& v) {
   return plist::writingOf(v, PropertyListFormat::binary);
 }
 
-std::string only(std::string object) {
-  BinaryMaker m;
-  m.add(std::move(object));
-  return m.bytes();
-}
-
 // The one object of a list that holds one object.
 std::string objectOf(const PropertyValue& v) {
   const std::string bytes = binaryOf(v);
@@ -35,21 +32,12 @@ std::string objectOf(const PropertyValue& v) {
 }
 
 TEST(BinaryPropertyList, EveryWidthOfOffsetsAndReferencesIsRead) {
-  for (std::size_t offsetWidth = 1; offsetWidth <= 8; ++offsetWidth) {
-    for (std::size_t referenceWidth = 1; referenceWidth <= 8; ++referenceWidth) {
-      BinaryMaker m;
-      m.offsetWidth = offsetWidth;
-      m.referenceWidth = referenceWidth;
-      m.root = 3;
-      m.add(BinaryMaker::ascii("key"));
-      m.add(BinaryMaker::integer(1, 7));
-      m.add(m.dictionary({0}, {1}));
-      m.add(m.array({2, 1, 4, 2}));
-      m.add(m.array({}));
-      EXPECT_EQ(readingOf(m.bytes()), "[{6b6579=i7,},i7,[],{6b6579=i7,},]")
-          << offsetWidth << " " << referenceWidth;
-    }
-  }
+  int widths = 0;
+  eachWidthOfOffsetsAndReferences([&](const std::string& list) {
+    ++widths;
+    EXPECT_EQ(readingOf(list), kReadingInEveryWidth) << widths;
+  });
+  EXPECT_EQ(widths, 64);
 }
 
 TEST(BinaryPropertyList, EveryWidthOfReferencesIsUsedWhereItIsNeeded) {
@@ -96,7 +84,7 @@ TEST(BinaryPropertyList, EveryWidthOfIntegersIsRead) {
       {BinaryMaker::longInteger(kMost, kMost), "i-1"},
       {BinaryMaker::longInteger(kMost, (kMost >> 1) + 1), "i-9223372036854775808"},
   };
-  for (const IntegerCase& c : kCases) EXPECT_EQ(readingOf(only(c.object)), c.read);
+  for (const IntegerCase& c : kCases) EXPECT_EQ(readingOf(listOfOne(c.object)), c.read);
 }
 
 TEST(BinaryPropertyList, IntegersTakeTheNarrowestWidth) {
@@ -152,14 +140,14 @@ TEST(BinaryPropertyList, StringsAreAsciiOrUtf16) {
   for (const std::size_t size : {14U, 15U, 255U, 256U, 65535U, 65536U}) {
     const std::string text(size, 'x');
     EXPECT_EQ(readBytes(binaryOf(text)).value, text);
-    EXPECT_EQ(readBytes(only(BinaryMaker::ascii(text))).value, text);
-    EXPECT_EQ(readBytes(only(BinaryMaker::utf16(std::u16string(size, u'x')))).value, text);
+    EXPECT_EQ(readBytes(listOfOne(BinaryMaker::ascii(text))).value, text);
+    EXPECT_EQ(readBytes(listOfOne(BinaryMaker::utf16(std::u16string(size, u'x')))).value, text);
   }
 }
 
 TEST(BinaryPropertyList, SizesOfEveryWidthAreRead) {
   for (const std::size_t width : {1U, 2U, 4U, 8U}) {
-    EXPECT_EQ(readBytes(only("\x5F" + BinaryMaker::integer(width, 3) + "abc")).value, "abc");
+    EXPECT_EQ(readBytes(listOfOne("\x5F" + BinaryMaker::integer(width, 3) + "abc")).value, "abc");
   }
 }
 
@@ -168,7 +156,8 @@ TEST(BinaryPropertyList, DatesAreSecondsSince2001) {
   for (const double seconds : {0.0, -1.5, 1e15, -62135596800.0, 300000000000.0}) {
     const auto date = Date::dateWithTimeIntervalSinceReferenceDate(seconds);
     EXPECT_EQ(readBytes(binaryOf(date)).value, PropertyValue(date)) << seconds;
-    EXPECT_EQ(readBytes(only(BinaryMaker::date(seconds))).value, PropertyValue(date)) << seconds;
+    EXPECT_EQ(readBytes(listOfOne(BinaryMaker::date(seconds))).value, PropertyValue(date))
+        << seconds;
   }
 }
 

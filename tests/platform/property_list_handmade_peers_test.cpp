@@ -16,7 +16,9 @@ namespace qx {
 namespace {
 
 using plist::BinaryMaker;
+using plist::eachWidthOfOffsetsAndReferences;
 using plist::Folder;
+using plist::listOfOne;
 using plist::wide;
 
 // Lists in files of one folder, numbered in the order of adding.
@@ -49,28 +51,9 @@ class Lists {
   std::vector<std::string> lines_;
 };
 
-std::string only(std::string object) {
-  BinaryMaker m;
-  m.add(std::move(object));
-  return m.bytes();
-}
-
 TEST(HandMadePropertyListPeers, AgreeOnEveryWidthOfOffsetsAndReferences) {
   Lists lists;
-  for (std::size_t offsetWidth = 1; offsetWidth <= 8; ++offsetWidth) {
-    for (std::size_t referenceWidth = 1; referenceWidth <= 8; ++referenceWidth) {
-      BinaryMaker m;
-      m.offsetWidth = offsetWidth;
-      m.referenceWidth = referenceWidth;
-      m.root = 3;
-      m.add(BinaryMaker::ascii("key"));
-      m.add(BinaryMaker::integer(1, 7));
-      m.add(m.dictionary({0}, {1}));
-      m.add(m.array({2, 1, 4, 2}));
-      m.add(m.array({}));
-      lists.add(m.bytes());
-    }
-  }
+  eachWidthOfOffsetsAndReferences([&](const std::string& list) { lists.add(list); });
   lists.expectThatPythonAgrees();
   lists.expectThatPlistutilAgrees("xml");
 }
@@ -81,20 +64,21 @@ TEST(HandMadePropertyListPeers, AgreeOnEveryWidthOfNumbersAndSizes) {
   for (const std::size_t width : {1U, 2U, 4U, 8U}) {
     for (const std::uint64_t n :
          {std::uint64_t{0}, std::uint64_t{0x7F}, kMost >> 1 >> (64 - 8 * width)}) {
-      lists.add(only(BinaryMaker::integer(width, n)));
+      lists.add(listOfOne(BinaryMaker::integer(width, n)));
     }
-    lists.add(only("\x5F" + BinaryMaker::integer(width, 3) + "abc"));
-    lists.add(only("\x6F" + BinaryMaker::integer(width, 1) + wide(0x20AC, 2)));
-    lists.add(only("\x4F" + BinaryMaker::integer(width, 2) + "xy"));
+    lists.add(listOfOne("\x5F" + BinaryMaker::integer(width, 3) + "abc"));
+    lists.add(listOfOne("\x6F" + BinaryMaker::integer(width, 1) + wide(0x20AC, 2)));
+    lists.add(listOfOne("\x4F" + BinaryMaker::integer(width, 2) + "xy"));
   }
-  for (const std::size_t width : {1U, 2U, 4U}) lists.add(only(BinaryMaker::integer(width, kMost)));
-  lists.add(only(BinaryMaker::integer(8, kMost)));
-  lists.add(only(BinaryMaker::integer(8, (kMost >> 1) + 1)));
-  lists.add(only(BinaryMaker::longInteger(0, (kMost >> 1) + 1)));
-  lists.add(only(BinaryMaker::longInteger(0, kMost)));
-  lists.add(only("\x22" + wide(0x3DCCCCCD, 4)));
-  lists.add(only(BinaryMaker::real(0.1)));
-  lists.add(only(BinaryMaker::date(-4165000000.0)));
+  for (const std::size_t width : {1U, 2U, 4U})
+    lists.add(listOfOne(BinaryMaker::integer(width, kMost)));
+  lists.add(listOfOne(BinaryMaker::integer(8, kMost)));
+  lists.add(listOfOne(BinaryMaker::integer(8, (kMost >> 1) + 1)));
+  lists.add(listOfOne(BinaryMaker::longInteger(0, (kMost >> 1) + 1)));
+  lists.add(listOfOne(BinaryMaker::longInteger(0, kMost)));
+  lists.add(listOfOne("\x22" + wide(0x3DCCCCCD, 4)));
+  lists.add(listOfOne(BinaryMaker::real(0.1)));
+  lists.add(listOfOne(BinaryMaker::date(-4165000000.0)));
   lists.expectThatPythonAgrees();
   lists.expectThatPlistutilAgrees("xml");
 }
@@ -103,17 +87,17 @@ TEST(HandMadePropertyListPeers, AgreeOnUtf16) {
   Lists lists;
   for (const std::u16string_view text :
        {u"a", u"na\u00EFve", u"\u20AC", u"\U0001F600", u"\U0010FFFD\U00010000", u"\uFFFD\uE000"}) {
-    lists.add(only(BinaryMaker::utf16(text)));
+    lists.add(listOfOne(BinaryMaker::utf16(text)));
     BinaryMaker key;
     key.add(key.dictionary({1}, {1}));
     key.add(BinaryMaker::utf16(text));
     lists.add(key.bytes());
   }
   for (const std::size_t size : {14U, 15U, 255U, 256U, 65535U, 65536U}) {
-    lists.add(only(BinaryMaker::utf16(std::u16string(size, u'\u20AC'))));
+    lists.add(listOfOne(BinaryMaker::utf16(std::u16string(size, u'\u20AC'))));
   }
   lists.expectThatPlistutilAgrees("xml");
-  lists.add(only(BinaryMaker::utf16(u"")));  // of which plistutil makes no XML
+  lists.add(listOfOne(BinaryMaker::utf16(u"")));  // of which plistutil makes no XML
   lists.expectThatPythonAgrees();
 }
 

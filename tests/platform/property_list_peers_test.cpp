@@ -117,13 +117,17 @@ TEST(PropertyListPeers, PlistutilReadsEverythingThatIsWritten) {
   EXPECT_EQ(dumpOfConversion(folder / "list.bin", "xml"), dump(list));
 }
 
+// Fills the folder with lists, each in both formats, and gives what stands in them.
+std::vector<std::string> listsMadeByPython(const Folder& folder, int count) {
+  return plist::linesOf(
+      outputOf(kPython + "make '" + folder.path() + "' " + std::to_string(count)));
+}
+
 TEST(PropertyListPeers, ListsMadeByPythonAreRead) {
-  constexpr int kCount = 150;
   const Folder folder;
-  const auto lines =
-      plist::linesOf(outputOf(kPython + "make '" + folder.path() + "' " + std::to_string(kCount)));
-  ASSERT_EQ(lines.size(), kCount);
-  for (std::size_t i = 0; i < kCount; ++i) {
+  const auto lines = listsMadeByPython(folder, 150);
+  ASSERT_EQ(lines.size(), 150);
+  for (std::size_t i = 0; i < lines.size(); ++i) {
     const std::string name = std::to_string(i);
     EXPECT_EQ(dumpOfFile(folder / (name + ".xml")), lines[i]) << name;
     EXPECT_EQ(dumpOfFile(folder / (name + ".bin")), lines[i]) << name;
@@ -131,12 +135,10 @@ TEST(PropertyListPeers, ListsMadeByPythonAreRead) {
 }
 
 TEST(PropertyListPeers, ListsMadeByPlistutilAreRead) {
-  constexpr int kCount = 40;
   const Folder folder;
-  const auto lines =
-      plist::linesOf(outputOf(kPython + "make '" + folder.path() + "' " + std::to_string(kCount)));
-  ASSERT_EQ(lines.size(), kCount);
-  for (std::size_t i = 0; i < kCount; ++i) {
+  const auto lines = listsMadeByPython(folder, 40);
+  ASSERT_EQ(lines.size(), 40);
+  for (std::size_t i = 0; i < lines.size(); ++i) {
     const std::string name = std::to_string(i);
     EXPECT_EQ(dumpOfConversion(folder / (name + ".xml"), "bin"), lines[i]) << name;
     EXPECT_EQ(dumpOfConversion(folder / (name + ".bin"), "xml"), lines[i]) << name;

@@ -8,6 +8,7 @@
 #include "tests/platform/property_list/reading.h"
 #include "tests/platform/property_list/same_list.h"
 #include "tests/platform/property_list/well_formed.h"
+#include "tests/support/xml_list.h"
 
 namespace qx {
 namespace {
@@ -16,12 +17,8 @@ using plist::dump;
 using plist::readBytes;
 using plist::readingOf;
 
-const std::string kHead =
-    "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-    "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
-    "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n"
-    "<plist version=\"1.0\">\n";
-const std::string kFoot = "</plist>\n";
+const std::string kHead = test_support::kXmlHead;
+const std::string kFoot = test_support::kXmlFoot;
 
 std::string xmlOf(const PropertyValue& v) { return plist::writingOf(v, PropertyListFormat::xml); }
 std::string listOf(const std::string& content) { return kHead + content + kFoot; }

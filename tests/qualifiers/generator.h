@@ -24,13 +24,6 @@ class Native : public Object {
   PropertyValue v;
   PropertyValue getter() const { return v; }
 };
-inline void describe(ClassBuilder<Native>& c) {
-  c.name("GeneratedNative")
-      .property("s", &Native::s)
-      .property("i", &Native::i)
-      .property("d", &Native::d);
-  c.property("b", &Native::b).property("v", &Native::v).property("g", &Native::getter);
-}
 
 struct Plain {
   std::string s;
@@ -40,13 +33,14 @@ struct Plain {
   PropertyValue v;
   PropertyValue getter() const { return v; }
 };
-inline void describe(ClassBuilder<Plain>& c) {
-  c.name("GeneratedPlain")
-      .property("s", &Plain::s)
-      .property("i", &Plain::i)
-      .property("d", &Plain::d);
-  c.property("b", &Plain::b).property("v", &Plain::v).property("g", &Plain::getter);
+
+template <class T>
+void describeFields(ClassBuilder<T>& c, const char* name) {
+  c.name(name).property("s", &T::s).property("i", &T::i).property("d", &T::d);
+  c.property("b", &T::b).property("v", &T::v).property("g", &T::getter);
 }
+inline void describe(ClassBuilder<Native>& c) { describeFields(c, "GeneratedNative"); }
+inline void describe(ClassBuilder<Plain>& c) { describeFields(c, "GeneratedPlain"); }
 
 // A value with operators of the application: one of its own, and orders and equality that are not
 // the library's.

@@ -9,50 +9,23 @@
 #include <unistd.h>
 
 #include <chrono>
-#include <cstdlib>
-#include <new>
 #include <thread>
 
 #include "tests/soak/soak.h"
-
-namespace {
-thread_local long allocationsLeft = -1;
-}
-
-#ifndef QX_SOAK_KEEPS_ALLOCATOR
+#include "tests/support/failing_memory/failing_memory.h"
 
 namespace soak {
+
+#ifdef QX_SOAK_KEEPS_ALLOCATOR
+bool failAllocationAfter(long) { return false; }
+void allowAllocations() {}
+#else
 bool failAllocationAfter(long count) {
-  allocationsLeft = count;
+  test_support::failAllocationAfter(count);
   return true;
 }
-}  // namespace soak
-
-static void* allocate(std::size_t size) {
-  if (allocationsLeft >= 0 && allocationsLeft-- == 0) return nullptr;
-  return std::malloc(size == 0 ? 1 : size);
-}
-void* operator new(std::size_t size) {
-  void* memory = allocate(size);
-  if (memory == nullptr) throw std::bad_alloc();
-  return memory;
-}
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return allocate(size); }
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
-void operator delete(void* memory, const std::nothrow_t&) noexcept { std::free(memory); }
-
-#else
-
-namespace soak {
-bool failAllocationAfter(long) { return false; }
-}  // namespace soak
-
+void allowAllocations() { test_support::failAllocationAfter(-1); }
 #endif
-
-namespace soak {
-
-void allowAllocations() { allocationsLeft = -1; }
 
 namespace {
 

@@ -7,17 +7,14 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/xml_list.h"
 #include "tests/tools/run_program.h"
 
 namespace qx_tests {
 namespace {
 
-const std::string kHead =
-    "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-    "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
-    "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n"
-    "<plist version=\"1.0\">\n";
-const std::string kFoot = "</plist>\n";
+const std::string kHead = test_support::kXmlHead;
+const std::string kFoot = test_support::kXmlFoot;
 
 const std::string kSettings = kHead +
                               "<dict>\n"

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <cstring>
 #include <memory>
 #include <string>
 
@@ -99,17 +100,8 @@ for i in range(50000):
 
 // Python's first choice for a local time that is skipped or comes twice is ours too.
 TEST(DatePeer, LocalTimesAreTheSame) {
-  const char* const zones[] = {"UTC",
-                               "America/New_York",
-                               "Europe/Berlin",
-                               "Australia/Sydney",
-                               "Asia/Kathmandu",
-                               "Pacific/Pago_Pago",
-                               "Pacific/Apia",
-                               "Australia/Lord_Howe",
-                               "Africa/Casablanca",
-                               "Asia/Gaza"};
-  for (const char* name : zones) {
+  for (const char* name : test_support::kZones) {
+    if (std::strchr(name, ',') != nullptr) continue;  // rules, which have no name there
     const ScopedZone zone(name);
     Python python(R"(
 from datetime import *

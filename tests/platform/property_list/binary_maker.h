@@ -93,4 +93,32 @@ class BinaryMaker {
   }
 };
 
+// A list of one object.
+inline std::string listOfOne(std::string object) {
+  BinaryMaker m;
+  m.add(std::move(object));
+  return m.bytes();
+}
+
+// Calls `visit(bytes)` with one list in every width of offsets and of references. It reads as
+// kReadingInEveryWidth.
+template <class Visit>
+void eachWidthOfOffsetsAndReferences(Visit visit) {
+  for (std::size_t offsetWidth = 1; offsetWidth <= 8; ++offsetWidth) {
+    for (std::size_t referenceWidth = 1; referenceWidth <= 8; ++referenceWidth) {
+      BinaryMaker m;
+      m.offsetWidth = offsetWidth;
+      m.referenceWidth = referenceWidth;
+      m.root = 3;
+      m.add(BinaryMaker::ascii("key"));
+      m.add(BinaryMaker::integer(1, 7));
+      m.add(m.dictionary({0}, {1}));
+      m.add(m.array({2, 1, 4, 2}));
+      m.add(m.array({}));
+      visit(m.bytes());
+    }
+  }
+}
+inline constexpr char kReadingInEveryWidth[] = "[{6b6579=i7,},i7,[],{6b6579=i7,},]";
+
 }  // namespace qx::plist

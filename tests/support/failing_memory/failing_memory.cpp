@@ -1,4 +1,4 @@
-#include "tests/frame/failing_memory.h"
+#include "tests/support/failing_memory/failing_memory.h"
 
 #include <cstdlib>
 
@@ -13,9 +13,9 @@ void* allocate(std::size_t size) {
 
 }  // namespace
 
-namespace frame_test {
+namespace test_support {
 void failAllocationAfter(long count) { allocationsLeft = count; }
-}  // namespace frame_test
+}  // namespace test_support
 
 void* operator new(std::size_t size) {
   void* memory = allocate(size);

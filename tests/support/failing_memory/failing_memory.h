@@ -1,10 +1,12 @@
 #pragma once
 
-// Lets allocations fail on purpose: this test program's operator new asks here.
+// Lets allocations fail on purpose: the operator new of a program that failing_memory.cpp is
+// compiled into asks here. The thread sanitizer brings an operator new of its own, so that programs
+// under it go without.
 
 #include <new>
 
-namespace frame_test {
+namespace test_support {
 
 // The calling thread's allocation that comes after `count` others throws std::bad_alloc; negative:
 // none does.
@@ -27,4 +29,4 @@ long failEveryAllocation(Work work, Check check) {
   }
 }
 
-}  // namespace frame_test
+}  // namespace test_support
