@@ -6,9 +6,9 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <map>
 #include <vector>
 
+#include "bench/kept.h"
 #include "bench/people.h"
 #include "bench/values_support.h"
 
@@ -59,26 +59,18 @@ void growth(benchmark::State& state, Work work) {
   growth(state, [] { return nullptr; }, [&](std::nullptr_t) { return work(); });
 }
 
-// What `make` gives for a size, made when it is first needed and kept for all repetitions.
-template <class Make>
-const auto& onceForEachSize(std::size_t size, Make make) {
-  static std::map<std::size_t, decltype(make(size))> known;
-  const auto place = known.find(size);
-  return place != known.end() ? place->second : known.emplace(size, make(size)).first->second;
-}
-
 // People with a number and a name of their own each.
 inline const std::vector<Person>& peopleOf(std::size_t size) {
-  return onceForEachSize(size, [](std::size_t n) { return people(n, n); });
+  return keptFor(size, [](std::size_t n) { return people(n, n); });
 }
 inline const qx::Ref<qx::MutableArray>& dictionariesOf(std::size_t size) {
-  return onceForEachSize(size, [](std::size_t n) { return dictionaries(peopleOf(n)); });
+  return keptFor(size, [](std::size_t n) { return dictionaries(peopleOf(n)); });
 }
 inline const qx::Ref<qx::MutableArray>& objectsOf(std::size_t size) {
-  return onceForEachSize(size, [](std::size_t n) { return objects(peopleOf(n)); });
+  return keptFor(size, [](std::size_t n) { return objects(peopleOf(n)); });
 }
 inline const std::vector<std::shared_ptr<const Person>>& pointersOf(std::size_t size) {
-  return onceForEachSize(size, [](std::size_t n) { return pointers(peopleOf(n)); });
+  return keptFor(size, [](std::size_t n) { return pointers(peopleOf(n)); });
 }
 
 }  // namespace bench

@@ -8,8 +8,8 @@ namespace {
 using qx::PropertyListFormat;
 using qx::PropertyListSerialization;
 
-qx::Ref<qx::Data> written(std::size_t size, PropertyListFormat format) {
-  return PropertyListSerialization::dataWithPropertyList(dictionariesOf(size), format);
+qx::Ref<qx::Data> written(const qx::PropertyValue& list, PropertyListFormat format) {
+  return PropertyListSerialization::dataWithPropertyList(list, format);
 }
 
 qx::PropertyValue readFrom(const qx::Ref<qx::Data>& data) {
@@ -19,14 +19,16 @@ qx::PropertyValue readFrom(const qx::Ref<qx::Data>& data) {
 
 template <PropertyListFormat format>
 void readList(benchmark::State& state) {
-  const auto data = written(sizeOf(state), format);
-  require(readFrom(data) == qx::PropertyValue(dictionariesOf(sizeOf(state))), "the list");
+  const qx::PropertyValue list = dictionariesOf(sizeOf(state));
+  const auto data = written(list, format);
+  require(readFrom(data) == list, "the list");
   growth(state, [&] { return readFrom(data); });
 }
 
 template <PropertyListFormat format>
 void writeList(benchmark::State& state) {
-  growth(state, [&] { return written(sizeOf(state), format); });
+  const qx::PropertyValue list = dictionariesOf(sizeOf(state));
+  growth(state, [&] { return written(list, format); });
 }
 
 BENCHMARK(readList<PropertyListFormat::xml>)->Name("property_list/xml_read")->Apply(everySize);

@@ -10,6 +10,7 @@ quick run, is made in build/bench/report, so that nobody takes it for the real o
 import argparse
 import pathlib
 import sys
+import textwrap
 
 import machine
 import measure
@@ -21,6 +22,7 @@ from sections import SECTIONS
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 BUILD = ROOT / "build" / "release"
+WIDTH = 120  # of prose
 
 HEAD = """<!-- Made by scripts/bench.sh: do not edit. Tables are described in bench/report/sections/, prose is in bench/notes/. -->
 
@@ -60,14 +62,14 @@ def measured_text(section: Section, results: AllResults) -> str:
         text += f"; measured from {dates[0][:16].replace('T', ' ')}"
     if loads:
         text += f", load {min(loads):.1f} to {max(loads):.1f} before its programs"
-    return text + "."
+    return textwrap.fill(text + ".", WIDTH)
 
 
 def section_text(section: Section, results: AllResults, notes: pathlib.Path, output: pathlib.Path) -> str:
     peers = results.machine()["peers"]
     parts = [f"## {section.title}", measured_text(section, results)]
     if section.introduction:
-        parts.append(section.introduction)
+        parts.append(textwrap.fill(section.introduction, WIDTH))
     for table in section.tables:
         rows = tables.lines_of(table, results, peers)
         parts.append(tables.markdown(table, rows))

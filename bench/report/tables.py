@@ -69,7 +69,7 @@ def cell(table: Table, line: Line, index: int, reference: Figure | None) -> str:
         text += f", {ratio(figure.median / reference.median)}"
     wanted = line.row.wanted[index] if line.row.wanted else None
     if wanted is not None:
-        text += f" (wanted: {number(wanted)})"
+        text += f" (wanted: {wanted:,g})"
     return text
 
 
@@ -86,7 +86,7 @@ def absences(lines: list[Line]) -> list[str]:
     for line in lines:
         if line.absence == "missing":
             peer = machine.PEERS[line.row.peer]
-            said.append(f"Missing: {peer.title} ({peer.package} is not installed).")
+            said.append(f"Missing: {peer.title} (not installed: {peer.package}).")
         elif line.absence:
             said.append(f"Without figures: {line.row.label} ({line.absence}).")
     return list(dict.fromkeys(said))
@@ -114,7 +114,7 @@ def markdown(table: Table, lines: list[Line]) -> str:
         ratios = [fastest_peers(lines, i) for i in range(len(table.columns))]
         cells = ["" if value is None else ratio(value) for value in ratios]
         if table.wanted_ratios:
-            cells = [f"{text} (wanted: {ratio(w)})" if text else "" for text, w in zip(cells, table.wanted_ratios)]
+            cells = [f"{text} (wanted: ×{w:g})" if text else "" for text, w in zip(cells, table.wanted_ratios)]
         rows.append(["*fastest peer*"] + cells)
     text = "\n".join(markdown_row(row) for row in rows)
     for remark in absences(lines) + ([table.remark] if table.remark else []):

@@ -35,8 +35,11 @@ SECTION = Section(
             own("XML read", "property_list/xml_read"), own("XML write", "property_list/xml_write"),
             own("binary read", "property_list/binary_read"), own("binary write", "property_list/binary_write")]),
         table("Growth of preferences", "ns a key", "growth_preferences", [
-            own("read", "preferences/read"), own("set", "preferences/set"), own("load", "preferences/load"),
-            own("save, durably, by the clock", "preferences/save")]),
+            own("read, in any order", "preferences/read"), own("read, in the order of the store", "preferences/read_in_order"),
+            own("set, in any order", "preferences/set"), own("load", "preferences/load"),
+            own("save, durably, by the clock", "preferences/save"),
+            other("read, in any order, `unordered_map` of whole paths", "preferences/read_one_table"),
+            other("read, in any order, Boost.PropertyTree", "preferences/read_property_tree")]),
         table("Growth of messages", "ns a waiting message", "growth_messages", [
             own("send", "messages/send"), own("perform", "messages/perform")]),
     ],
