@@ -38,7 +38,7 @@ def plain(label: str) -> str:
 
 # ---- bars
 
-LABELS, PANEL, BAR, STEP, TOP = 300, 190, 105, 21, 84
+LABELS, PANEL, BAR, STEP, TOP = 310, 190, 105, 21, 84
 
 
 def bar_colour(line: Line, place: int) -> str:
@@ -80,7 +80,8 @@ def bars(table: Table, lines: list[Line]) -> str:
 
 # ---- lines
 
-LEFT, UP, WIDE, HIGH, LEGEND = 70, 66, 470, 290, 250
+LEFT, UP, WIDE, HIGH = 70, 66, 470, 290
+LETTER = 6.8  # the width of one, about, at the size of labels
 
 
 def decades(least: float, most: float) -> list[int]:
@@ -130,9 +131,10 @@ def curve(line: Line, points: list[tuple[float, float]], colour: str, place: int
 def lines(table: Table, rows: list[Line]) -> str:
     """Both axes are logarithmic; a line that is level costs the same for each element at every size."""
     sizes = [float(column.words["n"]) for column in table.columns]
+    legend = 66 + LETTER * max(len(plain(row.row.label)) for row in rows)
     values = [figure.median for row in rows for figure in row.figures if figure and figure.median > 0]
     if not values:
-        return picture(LEFT + WIDE + LEGEND, 80, plain(table.title), "no figures", [])
+        return picture(LEFT + WIDE + legend, 80, plain(table.title), "no figures", [])
     across = LogScale(sizes, LEFT, LEFT + WIDE)
     up = LogScale(values, UP + HIGH, UP)
     parts = grid(across, up)
@@ -141,7 +143,7 @@ def lines(table: Table, rows: list[Line]) -> str:
                   for size, figure in zip(sizes, row.figures) if figure and figure.median > 0]
         parts += curve(row, points, LINES[place % len(LINES)], place)
     subtitle = f"{table.unit}, against their number; both scales are logarithmic"
-    return picture(LEFT + WIDE + LEGEND, UP + HIGH + 34, plain(table.title), subtitle, parts)
+    return picture(LEFT + WIDE + legend, UP + HIGH + 34, plain(table.title), subtitle, parts)
 
 
 def svg(table: Table, rows: list[Line]) -> str:

@@ -116,6 +116,8 @@ def main() -> None:
         write_report(sections, AllResults(kept), ROOT / "bench" / "notes", output)
     except ReportError as error:
         sys.exit(f"bench.sh: {error}")
+    except KeyboardInterrupt:
+        sys.exit("bench.sh: interrupted; what was measured before is kept in build/bench")
     print(f"{output.relative_to(ROOT)}/benchmarks.md is made")
 
 
