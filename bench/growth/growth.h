@@ -30,8 +30,8 @@ inline void reportGrowth(benchmark::State& state, double seconds) {
 }
 
 // Times `work` on what `prepare` makes afresh for it. Small sizes are worked on several times
-// between two looks at `now`, which would cost more than they; what the work gives is freed
-// afterwards.
+// between two looks at `now`, which would cost more than they: an iteration is all of them. What
+// the work gives is freed afterwards.
 template <class Prepare, class Work>
 void growth(benchmark::State& state, Prepare prepare, Work work,
             double (*now)() = &qx::processorTime) {
@@ -46,11 +46,11 @@ void growth(benchmark::State& state, Prepare prepare, Work work,
     for (std::size_t i = 0; i < times; ++i) inputs.push_back(prepare());
     const double start = now();
     for (auto& input : inputs) results.push_back(work(input));
-    const double took = (now() - start) / static_cast<double>(times);
+    const double took = now() - start;
     state.SetIterationTime(took);
     total += took;
   }
-  reportGrowth(state, total);
+  reportGrowth(state, total / static_cast<double>(times));
 }
 
 // The same on what stays as it is.

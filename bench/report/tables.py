@@ -57,6 +57,8 @@ def spread(figure: Figure) -> str:
 
 
 def ratio(value: float) -> str:
+    if value < 0.095:
+        return f"×{value:.1g}"
     return f"×{value:.2f}" if value < 9.95 else f"×{value:,.0f}"
 
 
