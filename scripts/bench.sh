@@ -4,7 +4,7 @@
 #   bench.sh [--install] [--quick] [--only SECTION]... [--report-only]
 #
 #   --install       first installs what only the benchmarks need
-#   --quick         measures next to nothing, to see that everything works
+#   --quick         measures next to nothing, to see that everything works: three minutes of the processor
 #   --only SECTION  measures this section: filtering, orderings, preferences, property_lists, messages, values,
 #                   collections, files, start_up, growth
 #   --report-only   measures nothing: makes the report of what was measured last
