@@ -170,16 +170,17 @@ BENCHMARK(setObserved)->Arg(0)->Arg(1)->Arg(1000);
 
 // ---- the user defaults: entries of the root, settings in each
 
+// The defaults are filled before there is a store, which would mirror every entry.
 qx::Ref<qx::QXPreferences> filledDefaults(std::int64_t entries, std::int64_t settings) {
-  auto store = qx::QXPreferences::init();
+  const auto defaults = qx::UserDefaults::standardUserDefaults();
   for (std::int64_t e = 0; e < entries; ++e) {
     const auto branch = qx::MutableDictionary::init();
     for (std::int64_t s = 0; s < settings; ++s) {
       branch->setObject(e * settings + s, "setting" + std::to_string(s));
     }
-    store->setObject(qx::dict({{"panel", branch}}), "window" + std::to_string(e));
+    defaults->setObject(qx::dict({{"panel", branch}}), "window" + std::to_string(e));
   }
-  return store;
+  return qx::QXPreferences::init();
 }
 
 void setOnUserDefaults(benchmark::State& state) {

@@ -9,6 +9,7 @@
 #include <stdio.h>
 #include <stdlib.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <filesystem>
@@ -175,7 +176,6 @@ void checkLibplist(const Input& input) {
 }
 
 void registerLibplist(const Input& input) {
-  checkLibplist(input);
   benchmark::RegisterBenchmark("xml_read/libplist",
                                [&](auto& s) { readPeer(s, input.xml, plist_from_xml); });
   benchmark::RegisterBenchmark("binary_read/libplist",
@@ -188,6 +188,7 @@ void registerLibplist(const Input& input) {
 
 #else
 
+void checkLibplist(const Input&) {}
 void registerLibplist(const Input&) { printf("libplist is left out: it was not installed\n"); }
 
 #endif
@@ -206,15 +207,19 @@ double pythonSeconds(const Input& input, const std::string& operation) {
   return seconds;
 }
 
-void registerPlistlib(const Input& input) {
+bool checkPlistlib(const Input& input) {
   if (pythonSeconds(input, "check") <= 0) {
     printf("plistlib is left out: python3 can not be run\n");
-    return;
+    return false;
   }
   for (const char* const name : {"peer.xml", "peer.bin"}) {
     std::ifstream file(input.folder / name, std::ios::binary);
     requireSame(input, std::string{std::istreambuf_iterator<char>(file), {}}, "plistlib");
   }
+  return true;
+}
+
+void registerPlistlib(const Input& input) {
   for (const Operation& o : kOperations) {
     const auto run = [&input, name = std::string(o.name)](benchmark::State& state) {
       for (auto _ : state) state.SetIterationTime(pythonSeconds(input, name));
@@ -266,9 +271,17 @@ class Reporter : public benchmark::ConsoleReporter {
   std::map<std::string, double> times_;
 };
 
+// Names alone are wanted: there is nothing to compare before.
+bool isListing(int argc, char** argv) {
+  return std::any_of(argv, argv + argc, [](std::string_view argument) {
+    return argument == "--benchmark_list_tests" || argument == "--benchmark_list_tests=true";
+  });
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
+  const bool compares = !isListing(argc, argv);
   // Alternating, so that what else the machine does meets all alike.
   std::vector<char*> arguments(argv, argv + argc);
   std::string defaults[] = {"--benchmark_repetitions=7", "--benchmark_report_aggregates_only=true",
@@ -280,9 +293,10 @@ int main(int argc, char** argv) {
 
   const Input input;
   printf("%zu bytes as XML, %zu as binary\n", input.xml.size(), input.binary.size());
+  if (compares) checkLibplist(input);
   registerOwn(input);
   registerLibplist(input);
-  registerPlistlib(input);
+  if (!compares || checkPlistlib(input)) registerPlistlib(input);
   Reporter reporter;
   benchmark::RunSpecifiedBenchmarks(&reporter);
   reporter.printRatios();

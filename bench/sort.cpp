@@ -3,6 +3,7 @@
 
 #include <benchmark/benchmark.h>
 
+#include "bench/kept.h"
 #include "bench/people.h"
 #include "tests/support/processor_time.h"
 
@@ -17,16 +18,20 @@ using bench::Person;
 constexpr std::size_t kCount = 1000000;
 constexpr std::size_t kFew = 1000;
 
-// The records of one set of keys, made when they are first needed; the sets are never in memory
-// together with one another's objects.
+// The records of one set of keys. All kinds of them are kept: making a million takes longer than
+// sorting them, and the repetitions of all benchmarks take turns.
 const std::vector<Person>& peopleOf(std::size_t distinct) {
-  static std::size_t made = 0;
-  static std::vector<Person> people;
-  if (made != distinct) {
-    people = bench::people(kCount, distinct);
-    made = distinct;
-  }
-  return people;
+  return bench::keptFor(distinct, [](std::size_t keys) { return bench::people(kCount, keys); });
+}
+const qx::Ref<qx::MutableArray>& dictionariesOf(std::size_t distinct) {
+  return bench::keptFor(distinct,
+                        [](std::size_t keys) { return bench::dictionaries(peopleOf(keys)); });
+}
+const qx::Ref<qx::MutableArray>& objectsOf(std::size_t distinct) {
+  return bench::keptFor(distinct, [](std::size_t keys) { return bench::objects(peopleOf(keys)); });
+}
+const std::vector<std::shared_ptr<const Person>>& pointersOf(std::size_t distinct) {
+  return bench::keptFor(distinct, [](std::size_t keys) { return bench::pointers(peopleOf(keys)); });
 }
 
 // Runs `sort` on a fresh copy of `records` in each round, and looks at the first result with
@@ -63,15 +68,15 @@ void sortArray(benchmark::State& state, const qx::Ref<qx::MutableArray>& array, 
 }
 
 void dictionaries(benchmark::State& state, const char* key, std::size_t distinct) {
-  sortArray(state, bench::dictionaries(peopleOf(distinct)), key);
+  sortArray(state, dictionariesOf(distinct), key);
 }
 void objects(benchmark::State& state, const char* key, std::size_t distinct) {
-  sortArray(state, bench::objects(peopleOf(distinct)), key);
+  sortArray(state, objectsOf(distinct), key);
 }
 
 // Dictionaries that do not stand in memory in the order of the array.
 void scattered(benchmark::State& state, const char* key, std::size_t distinct) {
-  const auto array = bench::dictionaries(peopleOf(distinct));
+  const auto& array = dictionariesOf(distinct);
   std::vector<qx::PropertyValue> values(array->begin(), array->end());
   std::shuffle(values.begin(), values.end(), std::mt19937_64(1));
   sortArray(state, qx::MutableArray::from(values.data(), values.size()), key);
@@ -87,7 +92,7 @@ void stableSort(benchmark::State& state, const Records& records, Before before) 
 
 template <class Field>
 void stableSortOfPointers(benchmark::State& state, Field Person::* field, std::size_t distinct) {
-  stableSort(state, bench::pointers(peopleOf(distinct)),
+  stableSort(state, pointersOf(distinct),
              [&](const auto& a, const auto& b) { return (*a).*field < (*b).*field; });
 }
 
@@ -121,15 +126,15 @@ class Database {
   Database& operator=(const Database&) = delete;
   ~Database() { sqlite3_close(db_); }
 
-  sqlite3_stmt* prepare(const std::string& sql) {
+  sqlite3_stmt* prepare(const std::string& sql) const {
     sqlite3_stmt* statement = nullptr;
     check(sqlite3_prepare_v2(db_, sql.c_str(), -1, &statement, nullptr));
     return statement;
   }
 
  private:
-  void run(const char* sql) { check(sqlite3_exec(db_, sql, nullptr, nullptr, nullptr)); }
-  void check(int code) {
+  void run(const char* sql) const { check(sqlite3_exec(db_, sql, nullptr, nullptr, nullptr)); }
+  void check(int code) const {
     if (code != SQLITE_OK) throw std::runtime_error(sqlite3_errmsg(db_));
   }
   sqlite3* db_ = nullptr;
@@ -137,7 +142,8 @@ class Database {
 
 void orderBy(benchmark::State& state, const std::string& key, std::size_t distinct) {
   const std::vector<Person>& people = peopleOf(distinct);
-  Database database(people);
+  const Database& database = *bench::keptFor(
+      distinct, [](std::size_t keys) { return std::make_unique<Database>(peopleOf(keys)); });
   sqlite3_stmt* select = database.prepare("select rowid from people order by " + key);
   using Rows = std::vector<sqlite3_int64>;  // from 1, in the order of the records
   const auto person = [&](sqlite3_int64 row) -> const Person& {

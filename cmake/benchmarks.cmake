@@ -18,6 +18,7 @@ if(NOT benchmark_FOUND)
   return()
 endif()
 
+add_custom_target(benchmarks)
 foreach(program IN LISTS benchmark_programs)
   cmake_path(GET program STEM name)
   set(sources ${program})
@@ -28,6 +29,7 @@ foreach(program IN LISTS benchmark_programs)
   target_link_libraries(bench_${name} PRIVATE qxfoundation_objects qxfoundation_warnings
                                               benchmark::benchmark_main)
   set_target_properties(bench_${name} PROPERTIES CXX_EXTENSIONS OFF)
+  add_dependencies(benchmarks bench_${name})
 endforeach()
 
 # Peers: libraries that a benchmark measures beside this one, where they are installed.
