@@ -11,6 +11,7 @@
 #include "frame/comparison_operations.h"
 #include "frame/deep.h"
 #include "frame/library_class.h"
+#include "frame/object_memory.h"
 #include "frame/raise.h"
 
 namespace qx {
@@ -38,7 +39,8 @@ Ref<Array> ArrayStorage::allocateRoom(std::size_t capacity) {
   static_assert(sizeof(Made<Array>) == sizeof(Array));
   if (capacity > (std::numeric_limits<std::size_t>::max() / 2) / sizeof(PropertyValue))
     raiseTooLong("an array");
-  void* memory = ::operator new(sizeof(Made<Array>) + capacity * sizeof(PropertyValue));
+  void* memory =
+      detail::ObjectMemory::allocate(sizeof(Made<Array>) + capacity * sizeof(PropertyValue));
   auto* a = ::new (memory) Made<Array>(Passkey{});
   ObjectAccess::setClass(*a, index, 0);
   return Ref<Array>::adopt(a);

@@ -5,6 +5,7 @@
 
 #include "frame/hashing.h"
 #include "frame/library_class.h"
+#include "frame/object_memory.h"
 #include "frame/raise.h"
 
 namespace qx {
@@ -20,7 +21,7 @@ Data::Data(detail::Passkey, std::size_t length, unsigned bits)
 Ref<Data> Data::from(std::string_view bytes) {
   static const std::uint16_t index = detail::classIndexOf(classOf<Data>());
   if (bytes.size() > kMaxBytes) detail::raiseTooLong("a data");
-  void* memory = ::operator new(sizeof(detail::Made<Data>) + bytes.size());
+  void* memory = detail::ObjectMemory::allocate(sizeof(detail::Made<Data>) + bytes.size());
   auto* d = ::new (memory) detail::Made<Data>(detail::Passkey{}, bytes.size());
   detail::ObjectAccess::setClass(*d, index, 0);
   if (!bytes.empty())

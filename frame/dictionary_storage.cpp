@@ -6,6 +6,7 @@
 #include <memory>
 #include <new>
 
+#include "frame/object_memory.h"
 #include "frame/raise.h"
 #include "frame/string_storage.h"
 
@@ -15,7 +16,7 @@ Ref<Dictionary> DictionaryStorage::allocate(ShapeCount shape) {
   static const std::uint16_t index = classIndexOf(classOf<Dictionary>());
   static_assert(sizeof(Made<Dictionary>) == sizeof(Dictionary));
   const std::size_t slots = shape->slots();
-  void* memory = ::operator new(sizeof(Made<Dictionary>) + slots * sizeof(PropertyValue));
+  void* memory = ObjectMemory::allocate(sizeof(Made<Dictionary>) + slots * sizeof(PropertyValue));
   auto* d = ::new (memory) Made<Dictionary>(Passkey{}, shape.release(), 0U);
   ObjectAccess::setClass(*d, index, 0);
   std::uninitialized_default_construct_n(values(*d), slots);

@@ -6,6 +6,7 @@
 #include <new>
 
 #include "frame/hashing.h"
+#include "frame/object_memory.h"
 #include "frame/raise.h"
 #include "frame/utf.h"
 
@@ -47,7 +48,7 @@ Ref<String> StringStorage::allocate(std::size_t length, bool wide, void** units)
   if (length > kMaxLength) raiseTooLong("a string");
   static const std::uint16_t index = classIndexOf(classOf<String>());
   static_assert(sizeof(Made<String>) == sizeof(String));
-  void* memory = ::operator new(sizeof(Made<String>) + byteCount(length, wide));
+  void* memory = ObjectMemory::allocate(sizeof(Made<String>) + byteCount(length, wide));
   auto* s = ::new (memory) Made<String>(Passkey{}, length, wide ? unsigned{kWide} : 0U);
   ObjectAccess::setClass(*s, index, 0);
   *units = static_cast<String*>(s) + 1;

@@ -5,10 +5,9 @@
 
 namespace qx::detail {
 
-template <class Source>
-std::size_t Bindings::find(const Source& source) const {
+std::size_t Bindings::find(std::uint16_t classIndex) const {
   for (std::size_t i = 0; i < bindings_.size(); ++i) {
-    if (bindings_[i]->layout.isOf(source)) return i;
+    if (bindings_[i]->layout.isOf(classIndex)) return i;
   }
   return kNone;
 }
@@ -20,9 +19,7 @@ std::size_t Bindings::makeOne() {
     return bindings_.size() - 1;
   }
   const std::size_t number = std::exchange(replaced_, (replaced_ + 1) % PlaceTable::kLayouts);
-  for (Known& known : known_) {
-    if (known.number == number) known = {};
-  }
+  shapes_.remove(number);
   if (recentClass_ == number) recentClass_ = kNone;
   return number;
 }
@@ -41,20 +38,13 @@ std::size_t Bindings::bind(const Shape& shape) {
         step, number,
         isThere ? static_cast<std::uint8_t>(binding.layout.place(key).slot) : PlaceTable::kAbsent);
   }
+  shapes_.add(shape, number);
   return number;
-}
-
-std::size_t Bindings::findOrBind(const Shape& shape) {
-  const std::size_t number = find(shape);
-  return number != kNone || isFull() ? number : bind(shape);
 }
 
 const Binding& Bindings::of(const Shape& shape) {
   std::size_t number = numberOf(shape);
-  if (number == kNone) {
-    number = bind(shape);
-    knownOf(shape) = {&shape, number};
-  }
+  if (number == kNone) number = bind(shape);
   Binding& binding = *bindings_[number];
   if (!std::exchange(binding.isBound, true)) binding.bound.bindToShape(program_, binding.layout);
   return binding;

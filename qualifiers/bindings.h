@@ -11,6 +11,7 @@
 #include "qualifiers/bound_program.h"
 #include "qualifiers/layout.h"
 #include "qualifiers/program.h"
+#include "qualifiers/shape_numbers.h"
 
 namespace qx::detail {
 
@@ -23,7 +24,8 @@ struct Binding {
 // Belongs to one thread. Of very many layouts the oldest are forgotten.
 class Bindings {
  public:
-  static constexpr std::size_t kNone = ~std::size_t{0};
+  static constexpr std::size_t kNone = ShapeNumbers::kNone;
+  static_assert(PlaceTable::kLayouts <= ShapeNumbers::kMost);
 
   explicit Bindings(const Program& program) : program_(program) { words_.bindToWords(program); }
 
@@ -40,40 +42,23 @@ class Bindings {
   const PlaceTable& places() const { return places_; }
 
  private:
-  // Where a shape's binding was found before: by its address, so that mixed arrays need no search.
-  struct Known {
-    const Shape* shape = nullptr;
-    std::size_t number = 0;
-  };
-  static constexpr std::size_t kKnown = 256;
-  Known& knownOf(const Shape& shape) {
-    const auto address = reinterpret_cast<std::uintptr_t>(&shape);
-    return known_[(address >> 4 ^ address >> 12) % kKnown];
-  }
-
-  template <class Source>
-  std::size_t find(const Source& source) const;
+  std::size_t find(std::uint16_t classIndex) const;
   bool isFull() const { return bindings_.size() == PlaceTable::kLayouts; }
   std::size_t makeOne();
   std::size_t bind(const Shape& shape);
-  std::size_t findOrBind(const Shape& shape);
 
   const Program& program_;
   std::vector<std::unique_ptr<Binding>> bindings_;
   std::size_t replaced_ = 0;
   std::size_t recentClass_ = kNone;  // the number of the binding to a class that was asked for last
-  Known known_[kKnown];
+  ShapeNumbers shapes_;
   BoundProgram words_;
   PlaceTable places_;
 };
 
 inline std::size_t Bindings::numberOf(const Shape& shape) {
-  Known& known = knownOf(shape);
-  if (known.shape == &shape) [[likely]]
-    return known.number;
-  const std::size_t number = findOrBind(shape);
-  if (number != kNone) known = {&shape, number};
-  return number;
+  const std::size_t number = shapes_.of(shape);
+  return number != kNone || isFull() ? number : bind(shape);
 }
 
 }  // namespace qx::detail

@@ -17,6 +17,7 @@
 
 #include "bench/qualifier_filter/measure.h"
 #include "bench/qualifier_filter/records.h"
+#include "frame/object_memory.h"
 
 namespace bench {
 
@@ -92,12 +93,16 @@ struct Elements {
   double bytes = 0;
 };
 
+std::size_t bytesInUse() {
+  return mallinfo2().uordblks + mallinfo2().hblkhd + qx::detail::ObjectMemory::bytesInUse();
+}
+
 template <class Make>
 Elements measured(Make make, std::size_t count) {
-  const std::size_t before = mallinfo2().uordblks;
+  const std::size_t before = bytesInUse();
   const Values values = make();
   // Less the room of the values' own list.
-  const auto bytes = static_cast<double>(mallinfo2().uordblks - before) -
+  const auto bytes = static_cast<double>(bytesInUse() - before) -
                      static_cast<double>(values.capacity() * sizeof(values[0]));
   Elements elements(values);
   elements.bytes = bytes / static_cast<double>(count);
@@ -110,7 +115,8 @@ const Elements& dictionaries(std::size_t count, std::size_t layouts) {
   const auto key = std::pair(count, layouts);
   auto place = known.find(key);
   if (place == known.end()) {
-    const auto make = [&] { return dictionariesOf(rowsOf(count), layouts); };
+    const std::vector<Row>& rows = rowsOf(count);
+    const auto make = [&] { return dictionariesOf(rows, layouts); };
     place = known.emplace(key, measured(make, count)).first;
   }
   return place->second;
@@ -119,8 +125,10 @@ const Elements& dictionaries(std::size_t count, std::size_t layouts) {
 const Elements& people(std::size_t count) {
   static std::map<std::size_t, Elements> known;
   auto place = known.find(count);
-  if (place == known.end())
-    place = known.emplace(count, measured([&] { return peopleOf(rowsOf(count)); }, count)).first;
+  if (place == known.end()) {
+    const std::vector<Row>& rows = rowsOf(count);
+    place = known.emplace(count, measured([&] { return peopleOf(rows); }, count)).first;
+  }
   return place->second;
 }
 

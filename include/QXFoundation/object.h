@@ -90,6 +90,11 @@ struct Type {};
 
 struct ObjectAccess;
 
+// Memory of objects: small ones of one size stand side by side. May be called on any thread, for an
+// object of any other.
+QX_EXPORT void* allocateObject(std::size_t size);
+QX_EXPORT void releaseObject(void* memory) noexcept;
+
 }  // namespace detail
 
 template <class T>
@@ -135,12 +140,12 @@ class QX_EXPORT Object {
 
   // Objects with values behind them are larger than their type: memory is given back without a
   // size.
-  static void* operator new(std::size_t size) { return ::operator new(size); }
+  static void* operator new(std::size_t size) { return detail::allocateObject(size); }
   static void* operator new(std::size_t size, std::align_val_t alignment) {
     return ::operator new(size, alignment);
   }
   static void* operator new(std::size_t, void* place) noexcept { return place; }
-  static void operator delete(void* memory) { ::operator delete(memory); }
+  static void operator delete(void* memory) { detail::releaseObject(memory); }
   static void operator delete(void* memory, std::align_val_t alignment) {
     ::operator delete(memory, alignment);
   }

@@ -31,6 +31,8 @@
 
 #include <QXFoundation/QXFoundation.h>
 
+#include "frame/object_memory.h"
+
 #if defined(__has_feature)
 #if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
 #include <sanitizer/allocator_interface.h>
@@ -50,10 +52,11 @@ using Clock = std::chrono::steady_clock;
 
 std::size_t allocatedBytes() {
 #ifdef QX_SOAK_SANITIZED
-  return __sanitizer_get_current_allocated_bytes();
+  const std::size_t bytes = __sanitizer_get_current_allocated_bytes();
 #else
-  return mallinfo2().uordblks;
+  const std::size_t bytes = mallinfo2().uordblks;
 #endif
+  return bytes + qx::detail::ObjectMemory::bytesInUse();
 }
 
 // What went wrong, by any thread.

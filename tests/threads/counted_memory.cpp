@@ -5,6 +5,8 @@
 #include <cstdlib>
 #include <new>
 
+#include "tests/support/plain_memory.h"
+
 namespace {
 
 std::atomic<long> given{0};

@@ -2,6 +2,8 @@
 
 #include <cstdlib>
 
+#include "tests/support/plain_memory.h"
+
 namespace {
 
 thread_local long allocationsLeft = -1;
