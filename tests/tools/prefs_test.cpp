@@ -116,6 +116,30 @@ TEST_F(Prefs, RefusesTextThatIsNotOfTheType) {
   EXPECT_FALSE(std::filesystem::exists(path()));
 }
 
+TEST_F(Prefs, RefusesJsonThatWouldBeKeptAsAnotherValue) {
+  const struct {
+    const char* text;
+    const char* reason;
+  } cases[] = {
+      {"18446744073709551616", "an integer that 64 bits do not hold: 18446744073709551616"},
+      {"[-9223372036854775809]", "an integer that 64 bits do not hold: -9223372036854775809"},
+      {"{\"a\": 1, \"b\": 2, \"a\": 1}", "the key \"a\" is given twice"},
+      {"[{\"\\u001b\": {}, \"\\u001b\": 0}]", "the key \"\\u001B\" is given twice"},
+  };
+  for (const auto& c : cases) {
+    expectFailure({"set", "a", "--type", "json", "--", c.text},
+                  "VALUE (" + std::string(c.text) + ") can not be kept: " + c.reason);
+  }
+  const std::string many(50, '7');
+  expectFailure({"set", "a", many, "--type", "json"},
+                "VALUE (" + std::string(39, '7') +
+                    "\u2026) can not be kept: an integer that 64 bits do not hold: " +
+                    std::string(39, '7') + "\u2026");
+  EXPECT_FALSE(std::filesystem::exists(path()));
+  shown({"set", "a", R"([{"a": 1}, {"a": {"a": -9223372036854775808}}, 1e30])", "--type", "json"});
+  EXPECT_EQ(shown({"get", "a"}), "[{\"a\": 1}, {\"a\": {\"a\": -9223372036854775808}}, 1e+30]\n");
+}
+
 TEST_F(Prefs, RefusesWhatAPropertyListCanNotHold) {
   const ProgramRun null = run({"set", "a", "[null]", "--type", "json"});
   EXPECT_EQ(null.exitCode, 2);

@@ -19,10 +19,12 @@
 #include "tools/qx/json_reader.h"
 #include "tools/qx/json_writer.h"
 #include "tools/qx/number_of.h"
+#include "tools/qx/printable.h"
 
 namespace qxtool {
 namespace {
 
+constexpr std::size_t kMaxQuotation = 40;
 constexpr char kHexDigits[] = "0123456789abcdef";
 
 qx::PropertyValue stringFrom(const std::string& text) { return text; }
@@ -82,7 +84,10 @@ qx::PropertyValue dataFrom(const std::string& text) {
   return qx::Data::from(bytes);
 }
 
-qx::PropertyValue jsonFrom(const std::string& text) { return valueFromJson(text); }
+// A property list has room for neither larger integers nor keys given twice.
+qx::PropertyValue jsonFrom(const std::string& text) {
+  return valueFromJson(text, JsonRules::strict);
+}
 
 struct ValueType {
   std::string_view name;
@@ -141,12 +146,14 @@ qx::PropertyValue valueFromText(std::string_view type, const std::string& text) 
   if (found == std::end(kTypes)) {
     throw Failure(std::string("--type takes ") + kValueTypes + ", not " + std::string(type));
   }
+  const std::string value = "VALUE (" + cutToWidth(printable(text), kMaxQuotation) + ") ";
   try {
     return found->read(text);
+  } catch (const JsonFault& fault) {
+    throw Failure(value + "can not be kept: " + fault.what());
   } catch (const Failure& failure) {
     const bool isJson = found->read == &jsonFrom;
-    throw Failure("VALUE (" + text + ") " + (isJson ? "is no JSON: " : "must be ") +
-                  failure.what());
+    throw Failure(value + (isJson ? "is no JSON: " : "must be ") + failure.what());
   }
 }
 
