@@ -200,24 +200,14 @@ TEST_F(Tags, OfTheOtherFilesAreDoneWhereSomeFail) {
 }
 
 TEST_F(Tags, ThatAreNoneAreToldAndLeftAsTheyAre) {
-  const struct {
-    const char* list;
-    const char* reason;
-  } cases[] = {
-      {"{'a': 1}", "-[NSDictionary qxFlatMap:]: the receiver has no such operation"},
-      {"'Work'", "-[NSString qxFlatMap:]: the receiver has no such operation"},
-      {"['Work', 5]",
-       "-[NSNumber componentsSeparatedByString:]: the receiver has no such operation"},
-      {"[['Work']]", "-[NSArray componentsSeparatedByString:]: the receiver has no such operation"},
-  };
-  for (const auto& c : cases) {
-    ASSERT_TRUE(storeList(a_, kStored, c.list));
+  for (const char* list : {"{'a': 1}", "'Work'", "['Work', 5]", "[['Work']]"}) {
+    ASSERT_TRUE(storeList(a_, kStored, list));
     const std::string before = storedAttribute(a_, kStored);
     for (const std::vector<std::string>& change :
          {std::vector<std::string>{}, {"--add", "x"}, {"--set", "x"}, {"--remove", "Work"}}) {
       std::vector<std::string> words = {a_};
       words.insert(words.end(), change.begin(), change.end());
-      expectFailure(words, "the tags of " + a_ + " are no list of texts: " + c.reason);
+      expectFailure(words, "the tags of " + a_ + " are no list of texts; --clear gives them up");
     }
     EXPECT_EQ(storedAttribute(a_, kStored), before);
     EXPECT_EQ(contentOf(a_), "content");

@@ -70,12 +70,12 @@ struct FileTag {
 };
 using FileTags = std::vector<FileTag>;
 
-// Stored entries that are no tags raise, which tells less than where they stand.
+// Stored entries that are no tags raise, in words of the library's own.
 qx::Ref<qx::Array> readTags(const qx::Ref<qx::URL>& url, const std::string& path) {
   try {
     return qx::colorTagsWithError(url);
-  } catch (const qx::InvalidArgumentException& exception) {
-    throw Failure("the tags of " + path + " are no list of texts: " + exception.reason());
+  } catch (const qx::InvalidArgumentException&) {
+    throw Failure("the tags of " + path + " are no list of texts; --clear gives them up");
   }
 }
 

@@ -12,6 +12,7 @@
 #include <QXFoundation/date.h>
 #include <QXFoundation/dictionary.h>
 #include <QXFoundation/iso_date.h>
+#include <QXFoundation/number.h>
 #include <QXFoundation/rfc3339.h>
 #include <QXFoundation/string.h>
 
@@ -154,6 +155,26 @@ qx::PropertyValue valueFromText(std::string_view type, const std::string& text) 
   } catch (const Failure& failure) {
     const bool isJson = found->read == &jsonFrom;
     throw Failure(value + (isJson ? "is no JSON: " : "must be ") + failure.what());
+  }
+}
+
+const char* typeOf(const qx::PropertyValue& value) {
+  if (value.isString()) return "string";
+  if (value.isData()) return "data";
+  if (value.isDate()) return "date";
+  if (value.isArray()) return "array";
+  if (value.isDictionary()) return "dictionary";
+  if (value.to<bool>()) return "bool";
+  const auto number = value.as<qx::Number>();
+  if (number->kind() == qx::NumberKind::single) return "float";
+  return number->kind() == qx::NumberKind::real ? "double" : "int";
+}
+
+void requireStorable(const qx::PropertyValue& value, qx::PropertyListFormat format) {
+  qx::Ref<qx::Error> error;
+  const auto list = qx::dict({{"value", value}});
+  if (qx::PropertyListSerialization::dataWithPropertyList(list, format, &error) == nullptr) {
+    throw Failure("VALUE can not be kept: " + error->localizedDescription());
   }
 }
 
