@@ -298,7 +298,8 @@ TEST_F(Prefs, TellsThatAFileCanNotBeReadOrWritten) {
   const std::string missing = folder_.path("no/s.plist");
   const ProgramRun done = runTool({"prefs", missing, "set", "a", "1"});
   EXPECT_EQ(done.exitCode, 2);
-  EXPECT_EQ(done.err, "qx: " + missing + " could not be written; it is as it was\n");
+  EXPECT_EQ(done.err, "qx: " + missing +
+                          " could not be written, and is as it was: No such file or directory\n");
 }
 
 TEST_F(Prefs, KeepsASymbolicLinkAndTheModeOfItsFile) {

@@ -87,7 +87,9 @@ qx::PropertyValue required(const Work& work, const qx::QXPreferences& store) {
 
 void save(const Work& work, qx::QXPreferences& store) {
   if (store.synchronize()) return;
-  throw Failure(work.place.path() + " could not be written; it is as it was");
+  const auto error = store.lastSaveError();
+  throw Failure(work.place.path() + " could not be written, and is as it was" +
+                (error != nullptr ? ": " + error->localizedDescription() : std::string()));
 }
 
 void get(const Work& work) {
