@@ -187,6 +187,14 @@ TEST(MalformedInput, IsQuotedAtItsEndAlone) {
   EXPECT_NE(run.err.find("last read: '...xxxx"), std::string::npos);
 }
 
+TEST(MalformedInput, IsToldToItsEndWhereItsNameHoldsANul) {
+  Surroundings surroundings;
+  surroundings.input = R"([{"a\u0000b": 1}])";
+  const ProgramRun run = runTool({"select", "-", "--output", "plist"}, surroundings);
+  EXPECT_EQ(run.exitCode, 2);
+  EXPECT_NE(run.err.find("[0].a\\u0000b: "), std::string::npos) << run.err;
+}
+
 TEST(UnreadableFile, IsRefusedWithItsName) {
   const TemporaryFolder folder;
   const std::string missing = folder.path("missing");
@@ -203,6 +211,16 @@ TEST(UnreadableFile, IsRefusedWithItsName) {
 TEST(UnreadableFile, CannotUpsetTheTerminalByItsName) {
   expectFailure(runTool({"select", "/no\n\x1B[31m\xFFthing"}),
                 "cannot read /no\\n\\u001B[31m\\xFFthing: No such file or directory");
+}
+
+TEST(Reason, ShowsAnEmptyWordAsQuotes) {
+  EXPECT_EQ(runTool({"select", ""}).err, "qx: cannot read \"\": No such file or directory\n");
+  const TemporaryFolder folder;
+  const std::string list = folder.file("l", "<plist version=\"1.0\"><true/></plist>");
+  EXPECT_EQ(runTool({"plist", list, "--out", ""}).err,
+            "qx: cannot write \"\": No such file or directory\n");
+  EXPECT_EQ(runTool({"lock", list, "--", ""}).err,
+            "qx: cannot run \"\": No such file or directory\n");
 }
 
 TEST(UnwritableOutput, IsReported) {
