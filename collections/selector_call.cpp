@@ -1,6 +1,7 @@
 #include "collections/selector_call.h"
 
 #include "frame/class_record.h"
+#include "frame/operation_call.h"
 
 namespace qx::detail {
 
@@ -12,7 +13,7 @@ PropertyValue SelectorCall::lookUp(const PropertyValue& target) {
     if (found != nullptr && found->argumentCount == count_) {
       operation_ = found;
       classIndex_ = ObjectAccess::classIndex(*o);
-      return found->call(target, found->payload, &argument_);
+      return callOperation(*found, target, selector_, &argument_);
     }
   }
   return performSelectorImpl(target, selector_, &argument_, count_);

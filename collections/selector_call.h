@@ -7,6 +7,8 @@
 #include <QXFoundation/class.h>
 #include <QXFoundation/selector.h>
 
+#include "frame/operation_call.h"
+
 namespace qx::detail {
 
 // Looks the operation up once for as many objects of one class as come in a row.
@@ -21,7 +23,7 @@ class SelectorCall {
     const Object* o = target.object();
     if (operation_ == nullptr || o == nullptr || ObjectAccess::classIndex(*o) != classIndex_)
       return lookUp(target);
-    return operation_->call(target, operation_->payload, &argument_);
+    return callOperation(*operation_, target, selector_, &argument_);
   }
 
  private:

@@ -5,6 +5,7 @@
 #include <QXFoundation/string.h>
 
 #include "frame/class_record.h"
+#include "frame/operation_call.h"
 #include "frame/raise.h"
 
 namespace qx {
@@ -28,16 +29,30 @@ void raiseNil(const char* where) {
   raiseInvalidArgument(std::string("nil was used as an object in ") + where);
 }
 
-void raiseUnsupported(const PropertyValue& receiver, Selector selector) {
+namespace {
+
+// "-[Person greet:]: ", with a plus for an operation of a class.
+std::string nameOf(const PropertyValue& receiver, Selector selector) {
   const Object* object = receiver.object();
   const bool isClass = object != nullptr && ObjectAccess::kind(*object) == ObjectKind::cls;
   const Class* cls = isClass ? static_cast<const Class*>(object) : receiver.cls();
-  std::string reason = isClass ? "+[" : "-[";
-  reason += cls == nullptr ? "nil" : cls->name();
-  reason += ' ';
-  reason += selector.isNull() ? "(null)" : selector.text();
-  reason += "]: the receiver has no such operation";
-  raiseInvalidArgument(std::move(reason));
+  std::string name = isClass ? "+[" : "-[";
+  name += cls == nullptr ? "nil" : cls->name();
+  name += ' ';
+  name += selector.isNull() ? "(null)" : selector.text();
+  return name + "]: ";
+}
+
+}  // namespace
+
+void raiseUnsupported(const PropertyValue& receiver, Selector selector) {
+  raiseInvalidArgument(nameOf(receiver, selector) + "the receiver has no such operation");
+}
+
+KindException::~KindException() = default;
+
+void raiseWithin(const PropertyValue& receiver, Selector selector, const KindException& refused) {
+  raiseInvalidArgument(nameOf(receiver, selector) + refused.reason());
 }
 
 void raiseNotSettable(const Class& cls, StringArg key) {
@@ -87,7 +102,7 @@ std::string shown(const PropertyValue& v) {
 }  // namespace
 
 void raiseKind(const char* wanted, const PropertyValue& got) {
-  raiseInvalidArgument(shown(got) + " can not stand for " + wanted);
+  throw KindException(shown(got) + " can not stand for " + wanted);
 }
 
 void raiseUnfit(const Class& cls, StringArg key, const Taken& taken, const PropertyValue& got) {

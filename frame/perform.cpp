@@ -5,6 +5,7 @@
 
 #include "frame/class_record.h"
 #include "frame/key_text.h"
+#include "frame/operation_call.h"
 #include "frame/raise.h"
 
 namespace qx::detail {
@@ -36,7 +37,11 @@ PropertyValue accessProperty(const PropertyValue& target, const Property& proper
   const Subject subject = Subject::of(*target.object());
   checkCount(selector, selector.argumentCount(), count);
   if (count == 0) return property.get(subject, property.payload);
-  property.set(subject, property.payload, arguments[0]);
+  try {
+    property.set(subject, property.payload, arguments[0]);
+  } catch (const KindException& refused) {
+    raiseWithin(target, selector, refused);
+  }
   return {};
 }
 
@@ -68,7 +73,7 @@ PropertyValue performSelectorImpl(const PropertyValue& target, Selector selector
   const PropertyValue held = target;  // the operation may change the caller's variable
   if (const Operation* o = findFor(held, selector)) {
     checkCount(selector, o->argumentCount, count);
-    return o->call(held, o->payload, arguments);
+    return callOperation(*o, held, selector, arguments);
   }
   if (held.object() != nullptr) {
     if (const Property* p = accessedProperty(held.cls()->record(), selector)) {

@@ -19,8 +19,9 @@ void require(bool condition) {
 }
 
 bool isArrayOfStrings(const qx::PropertyValue& value) {
-  if (!value.isArray()) return false;
-  for (const qx::PropertyValue& each : *value.as<qx::Array>()) {
+  const auto elements = value.as<qx::Array>();
+  if (elements == nullptr) return false;
+  for (const qx::PropertyValue& each : *elements) {
     if (!each.isString()) return false;
   }
   return true;

@@ -22,12 +22,11 @@ std::int64_t nowInMicroseconds() {
 }
 
 // The system can wait too, but not with an end to it: another process may be stopped for good.
-bool waitFor(int file, off_t byte, std::int64_t end) {
+int waitFor(int file, off_t byte, std::int64_t end) {
   for (long pause = 20'000;; pause = pause < 500'000 ? pause * 2 : pause) {
-    if (fileCalls().lockByte(file, byte) == 0) return true;
-    if ((errno != EAGAIN && errno != EACCES && errno != EINTR) || nowInMicroseconds() >= end) {
-      return false;
-    }
+    if (fileCalls().lockByte(file, byte) == 0) return 0;
+    if (errno != EAGAIN && errno != EACCES && errno != EINTR) return errno;
+    if (nowInMicroseconds() >= end) return EAGAIN;
     const timespec wait{0, pause};
     ::nanosleep(&wait, nullptr);
   }
@@ -37,10 +36,15 @@ bool waitFor(int file, off_t byte, std::int64_t end) {
 
 FileLock::FileLock(const std::string& path, unsigned milliseconds)
     : file_(path.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW, 0600) {
-  if (!file_.isOpen()) return;
+  if (!file_.isOpen()) {
+    error_ = errno;
+    return;
+  }
   const std::int64_t end = nowInMicroseconds() + std::int64_t{milliseconds} * 1000;
-  if (!waitFor(file_.get(), kLine, end)) return;
-  held_ = waitFor(file_.get(), kLock, end);
+  error_ = waitFor(file_.get(), kLine, end);
+  if (error_ != 0) return;
+  error_ = waitFor(file_.get(), kLock, end);
+  held_ = error_ == 0;
   fileCalls().unlockByte(file_.get(), kLine);
 }
 

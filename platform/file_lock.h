@@ -17,10 +17,13 @@ class FileLock {
   FileLock& operator=(const FileLock&) = delete;
   ~FileLock();
   bool isHeld() const { return held_; }
+  // Why it is not held: an `errno` value, EAGAIN where the time was over; 0 where it is.
+  int error() const { return error_; }
 
  private:
   OpenFile file_;
   bool held_ = false;
+  int error_ = 0;
 };
 
 }  // namespace qx::detail

@@ -1,5 +1,8 @@
 #include "platform/file_user_defaults.h"
 
+#include <cerrno>
+#include <utility>
+
 #include <QXFoundation/property_list.h>
 
 #include "frame/dictionary_storage.h"
@@ -95,7 +98,24 @@ FileUserDefaults::Changes FileUserDefaults::changes() const {
 bool FileUserDefaults::synchronize() {
   const std::scoped_lock lock(synchronizing_);
   const Changes changed = changes();
-  if (!changed.empty()) return save(changed);
+  Ref<Error> error;
+  const bool isSaved = changed.empty() || save(changed, error);
+  if (changed.empty()) readAgain();
+  keepError(std::move(error));
+  return isSaved;
+}
+
+Ref<Error> FileUserDefaults::lastSaveError() const {
+  const std::scoped_lock lock(mutex_);
+  return lastSaveError_;
+}
+
+void FileUserDefaults::keepError(Ref<Error> error) {
+  const std::scoped_lock lock(mutex_);
+  std::swap(lastSaveError_, error);
+}
+
+void FileUserDefaults::readAgain() {
   Ref<Dictionary> content;
   switch (file_.read(content)) {
     case PropertyListFile::State::whole:
@@ -107,16 +127,19 @@ bool FileUserDefaults::synchronize() {
     default:
       break;  // what is known stays
   }
-  return true;
 }
 
-bool FileUserDefaults::save(const Changes& changed) {
-  if (file_.path().empty()) return false;
-  if (makeFolders(folderOf(file_.path()), 0700) != 0) return false;
+bool FileUserDefaults::save(const Changes& changed, Ref<Error>& error) {
+  const auto failed = [&](int code) {
+    error = Error::posixError(code);
+    return false;
+  };
+  if (file_.path().empty()) return failed(ENOENT);
+  if (const int code = makeFolders(folderOf(file_.path()), 0700)) return failed(code);
   const FileLock lock(lockPathOf(file_.path()), patience_);
-  if (!lock.isHeld()) return false;
+  if (!lock.isHeld()) return failed(lock.error());
   Ref<Dictionary> content;
-  switch (file_.read(content)) {
+  switch (file_.read(content, &error)) {
     case PropertyListFile::State::whole:
       break;
     case PropertyListFile::State::absent:
@@ -128,19 +151,21 @@ bool FileUserDefaults::save(const Changes& changed) {
     case PropertyListFile::State::unreadable:
       return false;
   }
-  if (write(content, changed)) return true;
+  if (write(content, changed, &error)) return true;
   Changes writable;
   for (const Change& c : changed) {
     if (isWritable(c.key, c.value)) writable.push_back(c);
   }
-  if (writable.size() < changed.size() && !writable.empty()) (void)write(content, writable);
+  if (writable.size() < changed.size() && !writable.empty())
+    (void)write(content, writable, nullptr);
   return false;
 }
 
-bool FileUserDefaults::write(const Ref<Dictionary>& content, const Changes& changed) {
+bool FileUserDefaults::write(const Ref<Dictionary>& content, const Changes& changed,
+                             Ref<Error>* error) {
   const auto merged = MutableDictionary::dictionaryWithDictionary(content);
   for (const Change& c : changed) put(*merged, c.value, c.key);
-  if (!file_.write(*merged)) return false;
+  if (!file_.write(*merged, error)) return false;
   adopt(*merged, changed);
   return true;
 }

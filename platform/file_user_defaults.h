@@ -25,6 +25,7 @@ class FileUserDefaults : public UserDefaults {
   void registerDefaults(In<Dictionary> values) override;
   Ref<Dictionary> dictionaryRepresentation() const override;
   bool synchronize() override;
+  Ref<Error> lastSaveError() const override;
 
   // How long to wait for another process that keeps the lock.
   void setPatience(unsigned milliseconds) { patience_ = milliseconds; }
@@ -40,8 +41,10 @@ class FileUserDefaults : public UserDefaults {
 
   void change(const PropertyValue& value, StringArg key);
   Changes changes() const;
-  bool save(const Changes& changed);
-  bool write(const Ref<Dictionary>& content, const Changes& changed);
+  bool save(const Changes& changed, Ref<Error>& error);
+  bool write(const Ref<Dictionary>& content, const Changes& changed, Ref<Error>* error);
+  void readAgain();
+  void keepError(Ref<Error> error);
   void adopt(const Dictionary& content, const Changes& saved);
 
   std::mutex synchronizing_;  // taken before mutex_; guards file_ and stored_
@@ -54,6 +57,7 @@ class FileUserDefaults : public UserDefaults {
   Ref<MutableDictionary> changed_;     // the keys of these changes, each with its last number
   Ref<MutableDictionary> registered_;  // below the values
   std::int64_t lastNumber_ = 0;
+  Ref<Error> lastSaveError_;
 };
 
 const Class& classObject(Type<FileUserDefaults>);

@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 
 #include <cerrno>
+#include <utility>
 
 #include "platform/atomic_file.h"
 #include "platform/file_calls.h"
@@ -29,12 +30,15 @@ int keepAs(const std::string& path, const std::string& kept) {
 
 }  // namespace
 
-PropertyListFile::State PropertyListFile::read(Ref<Dictionary>& content) {
+PropertyListFile::State PropertyListFile::read(Ref<Dictionary>& content, Ref<Error>* error) {
   content = nullptr;
   std::string bytes;
-  const int error = readFile(path_, bytes);
-  keepsFirst_ = error != 0 && error != ENOENT && error != ENOTDIR;
-  if (keepsFirst_) return State::unreadable;
+  const int code = readFile(path_, bytes);
+  keepsFirst_ = code != 0 && code != ENOENT && code != ENOTDIR;
+  if (keepsFirst_) {
+    fill(error, Error::posixError(code));
+    return State::unreadable;
+  }
   if (bytes.empty()) return State::absent;
   const PropertyValue value =
       readPropertyList(bytes, PropertyListMutability::immutable, nullptr, nullptr);
@@ -43,20 +47,36 @@ PropertyListFile::State PropertyListFile::read(Ref<Dictionary>& content) {
   return keepsFirst_ ? State::damaged : State::whole;
 }
 
-bool PropertyListFile::keepDamaged() {
+// Nil where it is kept, or nothing is there.
+Ref<Error> PropertyListFile::keepDamaged() {
   std::string target;
-  if (followLinks(path_, target) != 0) return false;
-  return keepAs(target, target + ".damaged") == 0;
+  if (const int code = followLinks(path_, target)) return Error::posixError(code);
+  const std::string kept = target + ".damaged";
+  const int code = keepAs(target, kept);
+  if (code == 0) return nullptr;
+  const std::string reason = code == EEXIST ? "another file stands there"
+                                            : Error::posixError(code)->localizedDescription();
+  const std::string text = "The damaged file can not be kept as " + kept + ": " + reason;
+  return Error::errorWithDomain(NSPOSIXErrorDomain, code,
+                                dict({{NSLocalizedDescriptionKey, text}}));
 }
 
-bool PropertyListFile::write(const Dictionary& content) {
+bool PropertyListFile::write(const Dictionary& content, Ref<Error>* error) {
   PlistOutput bytes;
   if (!writePropertyList(const_cast<Dictionary*>(&content), PropertyListFormat::xml, bytes,
-                         nullptr)) {
+                         error)) {
     return false;
   }
-  if (keepsFirst_ && !keepDamaged()) return false;
-  if (replaceFile(path_, bytes.view(), kSettings) != 0) return false;
+  if (keepsFirst_) {
+    if (auto kept = keepDamaged()) {
+      fill(error, std::move(kept));
+      return false;
+    }
+  }
+  if (const int code = replaceFile(path_, bytes.view(), kSettings)) {
+    fill(error, Error::posixError(code));
+    return false;
+  }
   keepsFirst_ = false;
   return true;
 }

@@ -90,6 +90,14 @@ PropertyValue QXPreferences::objectForKeyPath(StringArg keyPath) const {
   return v == nullptr ? PropertyValue() : *v;
 }
 
+// The same, and nil where the way ends at a value that is no container.
+PropertyValue QXPreferences::reachableValue(StringArg keyPath) const {
+  if (keyPath.isNil()) return parts_->root;
+  const PropertyValue* v = detail::reachableValueAtPath(*parts_->root, keyPath);
+  if (v == nullptr) v = parts_->defaults->find(keyPath);
+  return v == nullptr ? PropertyValue() : *v;
+}
+
 PropertyValue QXPreferences::arrayForKeyPath(StringArg keyPath) const {
   return objectForKeyPath(keyPath);
 }
@@ -295,9 +303,20 @@ void QXPreferences::setDirty(bool flag) {
 bool QXPreferences::synchronize() {
   isDirty_ = false;
   if (customInfo_) return true;
-  if (usesFile_) return parts_->file->write(*parts_->root);
-  return UserDefaults::standardUserDefaults()->synchronize();
+  Ref<Error> error;
+  bool isSaved = false;
+  if (usesFile_) {
+    isSaved = parts_->file->write(*parts_->root, &error);
+  } else {
+    const Ref<UserDefaults> defaults = UserDefaults::standardUserDefaults();
+    isSaved = defaults->synchronize();
+    if (!isSaved) error = defaults->lastSaveError();
+  }
+  parts_->saveError = std::move(error);
+  return isSaved;
 }
+
+Ref<Error> QXPreferences::lastSaveError() const { return parts_->saveError; }
 
 void QXPreferences::updatedObject(const PropertyValue& container, StringArg forKey) {
   if (!initialized_ || usesFile_) return;

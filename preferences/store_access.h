@@ -25,6 +25,7 @@ struct QXPreferences::Parts {
   // The canonical object for each path ever observed, by its text.
   Ref<MutableDictionary> notificationKeys;
   std::unique_ptr<detail::PropertyListFile> file;
+  Ref<Error> saveError;  // of the last saving
   detail::BranchIndex branches;
   detail::KeyPool keys;
   unsigned held = 0;          // SyncScopes

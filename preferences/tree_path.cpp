@@ -174,15 +174,22 @@ class Walk {
   bool mayBeCut_;
 };
 
+// What is done where a path leads through a value that is no dictionary.
+enum class OnLeaf : unsigned char { raise, giveNull };
+
 // The walk of any path, component by component.
-const PropertyValue* valueAlongPath(const QXPreferencesDictionary& root, StringArg keyPath) {
+const PropertyValue* valueAlongPath(const QXPreferencesDictionary& root, StringArg keyPath,
+                                    OnLeaf onLeaf) {
   const ArgText path(keyPath);
   const bool mayBeCut = hasBracket(path);
   const PropertyValue* current = nullptr;
   const Dictionary* container = &root;
   eachComponent(path, [&](TextSpan text) {
     const Component component(text, mayBeCut);
-    if (container == nullptr && current != nullptr) container = &asDictionary(*current);
+    if (container == nullptr && current != nullptr) {
+      const bool isLeaf = onLeaf == OnLeaf::giveNull && !current->isDictionary();
+      container = isLeaf ? nullptr : &asDictionary(*current);
+    }
     current = container == nullptr ? nullptr : findKey(*container, component.key());
     container = nullptr;
     if (current == nullptr || component.index() == kNoIndex) return;
@@ -235,7 +242,10 @@ Ref<String> standardizedKeyPath(StringArg keyPath) {
   return String::fromUtf16(result);
 }
 
-const PropertyValue* valueAtPath(const QXPreferencesDictionary& root, StringArg keyPath) {
+namespace {
+
+const PropertyValue* valueAt(const QXPreferencesDictionary& root, StringArg keyPath,
+                             OnLeaf onLeaf) {
   const PropertyValue* found = nullptr;
   const Dictionary* container = &root;
   const bool isPlain = eachPlainKey(keyPath, [&](TextSpan key, bool isLast) {
@@ -245,7 +255,17 @@ const PropertyValue* valueAtPath(const QXPreferencesDictionary& root, StringArg 
     container = static_cast<const Dictionary*>(found->object());
     return true;
   });
-  return isPlain ? found : valueAlongPath(root, keyPath);
+  return isPlain ? found : valueAlongPath(root, keyPath, onLeaf);
+}
+
+}  // namespace
+
+const PropertyValue* valueAtPath(const QXPreferencesDictionary& root, StringArg keyPath) {
+  return valueAt(root, keyPath, OnLeaf::raise);
+}
+
+const PropertyValue* reachableValueAtPath(const QXPreferencesDictionary& root, StringArg keyPath) {
+  return valueAt(root, keyPath, OnLeaf::giveNull);
 }
 
 TreeEnd endWithinTree(QXPreferencesDictionary& root, const PreferencesLink& link,

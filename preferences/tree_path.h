@@ -31,6 +31,8 @@ Ref<String> standardizedKeyPath(StringArg keyPath);
 // The value at the path, borrowed from the tree; null where there is none. Raises where the path
 // leads through a value that is no dictionary, or a negative index into an array.
 const PropertyValue* valueAtPath(const QXPreferencesDictionary& root, StringArg keyPath);
+// The same, and null where the path leads through a value that is no dictionary.
+const PropertyValue* reachableValueAtPath(const QXPreferencesDictionary& root, StringArg keyPath);
 
 // The same, with the container that holds the value or would hold it. With `create`, every
 // container on the way exists afterwards, and those that were plain are containers of the tree.

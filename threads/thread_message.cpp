@@ -8,6 +8,7 @@
 
 #include "frame/class_record.h"
 #include "frame/library_class.h"
+#include "frame/operation_call.h"
 #include "frame/raise.h"
 #include "platform/delivery.h"
 #include "threads/thread_message_record.h"
@@ -151,7 +152,7 @@ void QXThreadMessage::handlePortMessage(const PortMessage& message) {
   const std::size_t count = asked <= 1 ? asked : 2;
   const TargetHold hold(detail::heldThroughTurn(portState_), record->target);
   if (const detail::Operation* operation = operationOf(*record, count)) {
-    operation->call(record->target, operation->payload, record->arguments);
+    detail::callOperation(*operation, record->target, record->selector, record->arguments);
   } else {
     detail::performSelectorImpl(record->target, record->selector, record->arguments, count);
   }

@@ -28,6 +28,7 @@
 #include <utility>
 
 #include <QXFoundation/dictionary.h>
+#include <QXFoundation/error.h>
 #include <QXFoundation/notification_center.h>
 #include <QXFoundation/object.h>
 #include <QXFoundation/preference_key.h>
@@ -45,7 +46,7 @@ inline constexpr char QXPreferencesDidChangeNotification[] = "QXPreferencesDidCh
 
 // A store, its containers and its observations belong to one thread at a time. Arguments that are
 // nil where a path or value is needed, and a path that leads through a value that is no container,
-// raise; a path that is merely not there reads as nil.
+// raise (but for `get`); a path that is merely not there reads as nil.
 class QX_EXPORT QXPreferences : public Object {
  public:
   // On the user defaults: starts with all that they hold.
@@ -80,13 +81,14 @@ class QX_EXPORT QXPreferences : public Object {
   // archive, raises InvalidArgumentException.
   PropertyValue dataObjectForKeyPath(StringArg keyPath) const;
 
-  // Strict: empty where nothing is found, or a value of another kind. See PropertyValue::to.
+  // Strict: empty where nothing is found, or a value of another kind. See PropertyValue::to. Where
+  // a path leads through a value that is no container, nothing is found here, and nothing raised:
+  // somebody else may have put that value there.
   template <class T>
   [[nodiscard]] std::optional<T> get(StringArg keyPath) const {
-    return objectForKeyPath(keyPath).template to<T>();
+    return reachableValue(keyPath).template to<T>();
   }
-  // The setting, or the key's own value where there is none of its kind. As everywhere, a path that
-  // leads through a value which is no container raises.
+  // The setting, or the key's own value where there is none of its kind.
   template <PreferenceType T>
   [[nodiscard]] T get(const PreferenceKey<T>& key) const {
     auto found = get<T>(key.path);
@@ -179,6 +181,9 @@ class QX_EXPORT QXPreferences : public Object {
   // made is kept as "<file>.damaged" before it is replaced; where another stands under that name,
   // nothing is saved.
   [[nodiscard]] bool synchronize();
+  // Why the last saving failed, also one that a change made immediately: the system's code in
+  // NSPOSIXErrorDomain where the system refused. Nil where it succeeded, or none was made yet.
+  Ref<Error> lastSaveError() const;
 
   // A container of the tree has changed (under that key, for a dictionary): without a file, writes
   // the entry of the root that holds it to the user defaults. Called by the containers.
@@ -199,6 +204,7 @@ class QX_EXPORT QXPreferences : public Object {
 
   void load();
   const PropertyValue* find(StringArg keyPath) const;
+  PropertyValue reachableValue(StringArg keyPath) const;
   void write(const PropertyValue& value, StringArg keyPath);
   bool writeWithinTree(const PropertyValue& value, StringArg keyPath);
   void writeStepByStep(const PropertyValue& value, StringArg keyPath);

@@ -15,6 +15,7 @@
 #include <optional>
 
 #include <QXFoundation/dictionary.h>
+#include <QXFoundation/error.h>
 #include <QXFoundation/object.h>
 #include <QXFoundation/property_value.h>
 #include <QXFoundation/string_arg.h>
@@ -64,6 +65,10 @@ class QX_EXPORT UserDefaults : public Object {
   // not be written, and what is missing is tried again the next time. A damaged file is kept under
   // its name with ".damaged" behind it before it is replaced.
   virtual bool synchronize() = 0;
+  // Why the last `synchronize` gave false, with the system's code where the system refused
+  // (NSPOSIXErrorDomain; EAGAIN for a lock that was not to be had); nil where it gave true, or was
+  // not called yet, and by user defaults of the application's own that do not tell.
+  virtual Ref<Error> lastSaveError() const { return nullptr; }
 };
 
 QX_EXPORT const Class& classObject(detail::Type<UserDefaults>);

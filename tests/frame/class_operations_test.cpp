@@ -69,7 +69,8 @@ TEST(ClassOperations, AreNoneOfItsInstances) {
             "-[ShopCoin mint]: the receiver has no such operation");
   EXPECT_EQ(reasonOf<InvalidArgumentException>(
                 [] { performSelector(classOf<Coin>(), "coinOfCents:", "x"); }),
-            "a value of class NSString (x) can not stand for an integer that fits");
+            "+[ShopCoin coinOfCents:]: a value of class NSString (x) can not stand for an integer "
+            "that fits");
   EXPECT_EQ(reasonOf<InvalidArgumentException>(
                 [] { performSelector(classOf<Coin>(), Selector::named("mint"), 1); }),
             "performSelector: mint takes 0 arguments and was given 1");

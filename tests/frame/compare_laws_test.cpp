@@ -227,8 +227,8 @@ TEST(Compare, RaisesWithAReason) {
             "-[NSNumber caseInsensitiveCompare:]: the receiver has no such operation");
   EXPECT_EQ(reasonOf<InvalidArgumentException>(
                 [] { (void)PropertyValue("a").caseInsensitiveCompare(1); }),
-            "a value of class NSNumber (1) can not stand for the argument of "
-            "caseInsensitiveCompare:");
+            "-[NSString caseInsensitiveCompare:]: a value of class NSNumber (1) can not stand for "
+            "the argument of caseInsensitiveCompare:");
 }
 
 TEST(Compare, OfNilIsSame) {

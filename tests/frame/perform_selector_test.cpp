@@ -261,9 +261,10 @@ TEST(PerformSelector, RaisesForArgumentsOfAnotherKind) {
     PropertyValue argument;
     const char* reason;
   } cases[] = {
-      {5, "a value of class NSNumber (5) can not stand for a string"},
-      {nullptr, "nil can not stand for a string"},
-      {array("a"), "a value of class NSArray can not stand for a string"},
+      {5, "-[FrameTestPerson greet:]: a value of class NSNumber (5) can not stand for a string"},
+      {nullptr, "-[FrameTestPerson greet:]: nil can not stand for a string"},
+      {array("a"),
+       "-[FrameTestPerson greet:]: a value of class NSArray can not stand for a string"},
   };
   for (const auto& c : cases) {
     EXPECT_EQ(
@@ -271,12 +272,15 @@ TEST(PerformSelector, RaisesForArgumentsOfAnotherKind) {
         c.reason);
   }
   EXPECT_EQ(reasonOf<InvalidArgumentException>([&] { performSelector(bob, "sum:with:", 1, 2.5); }),
-            "a value of class NSNumber (2.5) can not stand for an integer that fits");
+            "-[FrameTestPerson sum:with:]: a value of class NSNumber (2.5) can not stand for an "
+            "integer that fits");
   EXPECT_EQ(reasonOf<InvalidArgumentException>(
                 [&] { performSelector(bob, "sum:with:", 1, std::int64_t{1} << 40); }),
-            "a value of class NSNumber (1099511627776) can not stand for an integer that fits");
+            "-[FrameTestPerson sum:with:]: a value of class NSNumber (1099511627776) can not stand "
+            "for an integer that fits");
   EXPECT_EQ(reasonOf<InvalidArgumentException>([&] { performSelector(bob, "bossOf:", "Al"); }),
-            "a value of class NSString (Al) can not stand for FrameTestPerson");
+            "-[FrameTestPerson bossOf:]: a value of class NSString (Al) can not stand for "
+            "FrameTestPerson");
   EXPECT_TRUE(performSelector(bob, "bossOf:", nullptr).isNil());
 }
 

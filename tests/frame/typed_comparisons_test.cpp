@@ -105,11 +105,11 @@ TEST(TypedCompare, IsFalseForWhatDoesNotFit) {
 TEST(TypedCompare, RaisesItself) {
   const PropertyValue rank = make<Rank>(1);
   EXPECT_EQ(reasonOf<InvalidArgumentException>([&] { (void)rank.compare(5); }),
-            "a value of class NSNumber (5) can not stand for ShopRank");
+            "-[ShopRank compare:]: a value of class NSNumber (5) can not stand for ShopRank");
   EXPECT_EQ(reasonOf<InvalidArgumentException>([&] { (void)rank.compare(nullptr); }),
             "no such rank");
   EXPECT_EQ(reasonOf<InvalidArgumentException>([&] { performSelector(rank, "compare:", "x"); }),
-            "a value of class NSString (x) can not stand for ShopRank");
+            "-[ShopRank compare:]: a value of class NSString (x) can not stand for ShopRank");
 }
 
 TEST(TypedCompare, LetsTheClassRaise) {
@@ -149,7 +149,7 @@ TEST(TypedComparisons, AreFalseForWhatDoesNotFit) {
   EXPECT_TRUE(label.doesContain(nullptr));
   EXPECT_FALSE(label.doesContain("1"));
   EXPECT_EQ(reasonOf<InvalidArgumentException>([&] { performSelector(label, "isLike:", 5); }),
-            "a value of class NSNumber (5) can not stand for a string");
+            "-[ShopLabel isLike:]: a value of class NSNumber (5) can not stand for a string");
 }
 
 }  // namespace

@@ -56,6 +56,9 @@ expect bash qx select people.json --output b = binary
 expect bash qx plist --to '' = binary json xml
 expect bash qx prefs f.plist s = set
 expect bash qx prefs fo = folder
+expect bash qx attributes f l = list
+expect bash qx attributes f set a 1 --type b = bool
+expect bash qx identity --j = --json
 expect bash qx date 2 = ''
 expect bash qx lock people.json -- people = people.json
 if command -v zsh >/dev/null; then
@@ -64,6 +67,8 @@ if command -v zsh >/dev/null; then
   expect zsh qx select people.json --li = --limit
   expect zsh qx select people.json --output b = binary
   expect zsh qx prefs f.plist s = set
+  expect zsh qx attributes f l = list
+  expect zsh qx attributes f set a 1 --type b = bool
   expect zsh qx lock people.json -- ls = COMMAND
 elif [ "${CI:-}" = true ]; then
   echo "zsh is missing" >&2

@@ -201,7 +201,8 @@ TEST(PropertyListSerialization, MutabilityIsAsAskedFor) {
   const auto list = dict({{"array", array(1)}, {"text", "t"}, {"data", Data::from("d")}});
   const auto classesOf = [](const PropertyValue& v) {
     std::string names = v.cls()->name();
-    for (const auto& [key, value] : *v.as<Dictionary>()) {
+    const auto entries = v.as<Dictionary>();
+    for (const auto& [key, value] : *entries) {
       names += std::string(" ") + key.cls().name() + ":" + value.cls()->name();
     }
     return names;

@@ -195,7 +195,10 @@ TEST_F(UserDefaultsFile, NeverReplacesAnEarlierDamagedFile) {
   writeBytes(path + ".damaged", "damaged before");
   const auto defaults = open();
   defaults->setObject(1, "a");
+  EXPECT_EQ(defaults->lastSaveError(), nullptr);
   EXPECT_FALSE(defaults->synchronize());
+  ASSERT_NE(defaults->lastSaveError(), nullptr);
+  EXPECT_EQ(defaults->lastSaveError()->code(), EEXIST);
   EXPECT_EQ(readBytes(path), "damaged again");
   EXPECT_EQ(readBytes(path + ".damaged"), "damaged before");
   std::filesystem::remove(path + ".damaged");
@@ -213,11 +216,14 @@ TEST_F(UserDefaultsFile, TriesAgainWhatCouldNotBeSaved) {
     FailingFileCalls calls(call, 0, EIO);
     const ReplacedFileCalls replaced(calls);
     EXPECT_FALSE(defaults->synchronize()) << call;
+    ASSERT_NE(defaults->lastSaveError(), nullptr) << call;
+    EXPECT_EQ(defaults->lastSaveError()->code(), EIO) << call;
     EXPECT_EQ(defaults->objectForKey("a"), 2) << call;
   }
   EXPECT_EQ(readBytes(path), before);
   EXPECT_THAT(folder.names(), ElementsAre(".app.plist.lock", "app.plist"));
   EXPECT_TRUE(defaults->synchronize());
+  EXPECT_EQ(defaults->lastSaveError(), nullptr);
   EXPECT_EQ(contentOf(path), dict({{"a", 2}}));
 }
 
@@ -227,6 +233,8 @@ TEST_F(UserDefaultsFile, SavesTheOtherKeysOfAValueThatIsNoPropertyList) {
   defaults->setObject(array(null), "bad");
   defaults->setObject("\x01", "control");
   EXPECT_FALSE(defaults->synchronize());
+  ASSERT_NE(defaults->lastSaveError(), nullptr);
+  EXPECT_NE(defaults->lastSaveError()->localizedDescription().find("bad"), std::string::npos);
   EXPECT_EQ(contentOf(path), dict({{"good", 1}}));
   EXPECT_EQ(defaults->objectForKey("bad"), array(null));
   EXPECT_FALSE(defaults->synchronize());
@@ -243,7 +251,10 @@ TEST_F(UserDefaultsFile, WaitsForTheLockButNotForEver) {
   {
     const detail::FileLock other(folder / ".app.plist.lock", 0);
     ASSERT_TRUE(other.isHeld());
+    EXPECT_EQ(other.error(), 0);
     EXPECT_FALSE(defaults->synchronize());
+    ASSERT_NE(defaults->lastSaveError(), nullptr);
+    EXPECT_EQ(defaults->lastSaveError()->code(), EAGAIN);
   }
   EXPECT_TRUE(defaults->synchronize());
 }
@@ -270,6 +281,8 @@ TEST_F(UserDefaultsFile, SavesNothingWithoutAPath) {
   defaults->setObject(1, "a");
   EXPECT_EQ(defaults->objectForKey("a"), 1);
   EXPECT_FALSE(defaults->synchronize());
+  ASSERT_NE(defaults->lastSaveError(), nullptr);
+  EXPECT_EQ(defaults->lastSaveError()->code(), ENOENT);
 }
 
 TEST_F(UserDefaultsFile, ThreadsMayShareThem) {

@@ -42,9 +42,11 @@ void writeGeneration(QXPreferences& store, int generation) {
 int generationOf(const PropertyValue& content) {
   int found = 0;
   int generation = -1;
-  if (!content.isDictionary()) return -1;
-  for (const auto& group : *content.as<Dictionary>()) {
-    for (const auto& [key, value] : *group.value.as<Dictionary>()) {
+  const auto groups = content.as<Dictionary>();
+  if (groups == nullptr) return -1;
+  for (const auto& group : *groups) {
+    const auto entries = group.value.as<Dictionary>();
+    for (const auto& [key, value] : *entries) {
       if (found++ == 0) generation = value.intValue();
       if (value.intValue() != generation) return -1;
     }

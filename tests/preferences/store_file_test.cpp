@@ -77,9 +77,13 @@ TEST_F(StoreFile, StaysWhereTheTreeIsNoPropertyList) {
     EXPECT_TRUE(store->isDirty());
     EXPECT_FALSE(store->synchronize()) << value.description();
     EXPECT_FALSE(store->isDirty());
+    ASSERT_NE(store->lastSaveError(), nullptr);
+    EXPECT_NE(store->lastSaveError()->localizedDescription().find("bad.value"), std::string::npos)
+        << store->lastSaveError()->localizedDescription();
     EXPECT_EQ(files.readBytes("s.plist"), before);
     store->setObject("good", "bad.value");
     EXPECT_TRUE(store->synchronize());
+    EXPECT_EQ(store->lastSaveError(), nullptr);
     files.writeBytes("s.plist", before);
   }
 }
@@ -98,13 +102,51 @@ TEST_F(StoreFile, StaysWhateverCallFails) {
         store->setDirty(true);
         EXPECT_FALSE(store->synchronize()) << call;
       }
+      const auto error = store->lastSaveError();
+      ASSERT_NE(error, nullptr) << call;
+      EXPECT_TRUE(error->domain()->isEqualToString(NSPOSIXErrorDomain));
+      EXPECT_EQ(error->code(), call == std::string("write") ? ENOSPC : EIO) << call;
       EXPECT_FALSE(store->isDirty());
       EXPECT_EQ(files.readBytes("s.plist"), before) << call;
       EXPECT_THAT(files.names(), ElementsAre("s.plist")) << call;
     }
   }
   EXPECT_TRUE(store->synchronize());
+  EXPECT_EQ(store->lastSaveError(), nullptr);
   EXPECT_EQ(files.read("s.plist"), dict({{"a", "new"}}));
+}
+
+TEST_F(StoreFile, TellsWhyAChangeWasNotSavedImmediately) {
+  const auto store = open();
+  store->setAppliesImmediately(true);
+  EXPECT_EQ(store->lastSaveError(), nullptr);
+  {
+    FailingFileCalls calls("write", 0, ENOSPC);
+    const ReplacedFileCalls replaced(calls);
+    store->setInteger(1, "a");
+    ASSERT_NE(store->lastSaveError(), nullptr);
+    EXPECT_EQ(store->lastSaveError()->code(), ENOSPC);
+  }
+  // A change of a container, which several steps make up.
+  store->setObject(array(1), "list");
+  EXPECT_EQ(store->lastSaveError(), nullptr);
+  FailingFileCalls calls("write", 0, EIO);
+  const ReplacedFileCalls replaced(calls);
+  store->arrayForKeyPath("list").as<MutableArray>()->addObjectsFromArray(array(2, 3));
+  ASSERT_NE(store->lastSaveError(), nullptr);
+  EXPECT_EQ(store->lastSaveError()->code(), EIO);
+}
+
+TEST_F(StoreFile, TellsThatADamagedFileCanNotBeKept) {
+  files.writeBytes("s.plist", "damaged");
+  files.writeBytes("s.plist.damaged", "other");
+  const auto store = open();
+  EXPECT_FALSE(store->synchronize());
+  ASSERT_NE(store->lastSaveError(), nullptr);
+  EXPECT_EQ(store->lastSaveError()->code(), EEXIST);
+  EXPECT_EQ(store->lastSaveError()->localizedDescription(), "The damaged file can not be kept as " +
+                                                                (files / "s.plist.damaged") +
+                                                                ": another file stands there");
 }
 
 TEST_F(StoreFile, StaysInAFolderThatIsReadOnly) {

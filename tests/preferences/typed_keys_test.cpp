@@ -38,6 +38,27 @@ TEST_F(TypedKeys, GiveTheirOwnValueWhereNothingOfTheirKindIsStored) {
   EXPECT_EQ(store->get(kWidth), 90) << "a registered default comes before the key's own";
 }
 
+// Somebody else may have put a value where the application has a branch.
+TEST_F(TypedKeys, GiveTheirOwnValueWhereThePathLeadsThroughALeaf) {
+  const PropertyValue leaves[] = {5, "text", Data::from("d"), array(1), null};
+  for (const PropertyValue& leaf : leaves) {
+    store->setObject(leaf, "ui");
+    EXPECT_EQ(store->get(kWidth), 80);
+    EXPECT_EQ(store->get(kTitle), "untitled");
+    EXPECT_EQ(store->get<int>("ui.width"), std::nullopt);
+    EXPECT_EQ(store->get<int>("ui.frames[0].width"), std::nullopt);
+    EXPECT_EQ(store->get<int>("ui.a.b"), std::nullopt);
+    EXPECT_THROW((void)store->integerForKeyPath("ui.width"), InvalidArgumentException);
+    EXPECT_THROW((void)store->objectForKeyPath("ui.a.b"), InvalidArgumentException);
+  }
+  store->setDefaultObject(90, "ui.width");
+  EXPECT_EQ(store->get(kWidth), 90);
+  store->setObject(array(1), "ui");
+  EXPECT_EQ(store->get<int>("ui[0]"), 1);
+  EXPECT_EQ(store->get<int>("ui[0].width"), std::nullopt);
+  EXPECT_THROW((void)store->get<int>("width]"), RangeException) << "no key path at all";
+}
+
 TEST_F(TypedKeys, KeepWhatIsSet) {
   store->set(kWidth, 100);
   store->set(kVisible, false);

@@ -96,6 +96,32 @@ TEST_F(ThreadMessageArrival, RefusesMessagesWithoutAnAddress) {
   }
 }
 
+// A target whose operation takes integers alone.
+class Gauge : public Object {
+ public:
+  void show(int) {}
+};
+void describe(ClassBuilder<Gauge>& c) {
+  c.name("ThreadsTestGauge").operation("show:", &Gauge::show);
+}
+
+TEST_F(ThreadMessageArrival, TellsWhichOperationRefusedItsArgument) {
+  const auto gauge = make<Gauge>();
+  for (int i = 0; i < 2; ++i) {
+    message->sendMessageTo(gauge, "show:", "text");
+    EXPECT_EQ(reasonOf<InvalidArgumentException>([] { turn(); }),
+              "-[ThreadsTestGauge show:]: a value of class NSString (text) can not stand for an "
+              "integer that fits");
+  }
+  threads_test::giveUp(*gauge, 2);
+  const auto center = NotificationCenter::init();
+  center->addObserver(gauge, "show:", "Changed", nullptr);
+  EXPECT_EQ(reasonOf<InvalidArgumentException>(
+                [&] { center->postNotificationName("Changed", nullptr, nullptr); }),
+            "-[ThreadsTestGauge show:]: a value of class NSNotification can not stand for an "
+            "integer that fits");
+}
+
 TEST_F(ThreadMessageArrival, PerformsItselfBySelector) {
   EXPECT_TRUE(isSame(performSelector(message, "port"), message->port()));
   performSelector(message, "sendMessageTo:inSelector:", target, "ping");

@@ -54,7 +54,7 @@ TEST_F(Attributes, OfEachTypeAreSetShownAndReadByAnotherProgram) {
     EXPECT_EQ(storedAttribute(file_, "user.a").substr(0, 8), "bplist00");
   }
   shown({"set", "a", "12"});
-  EXPECT_EQ(shown({"list"}), "a = 12\n");
+  EXPECT_EQ(shown({"list"}), "a (string) = 12\n");
   EXPECT_EQ(contentOf(file_), "content");
 }
 
@@ -73,11 +73,43 @@ TEST_F(Attributes, AreListedByName) {
   ASSERT_TRUE(storeAttribute(file_, "user.\xC3\xA9\n", "no\tlist"));
   ASSERT_TRUE(storeAttribute(file_, "user.c", ""));
   EXPECT_EQ(shown({}),
-            "a = 1\nb = two\\nlines\nc: no property list, 0 bytes\n"
+            "a (int) = 1\nb (string) = two\\nlines\nc: no property list, 0 bytes\n"
             "\xC3\xA9\\n: no property list, 7 bytes\n");
   EXPECT_EQ(shown({"list"}), shown({}));
   const std::string raw = shown({"list", "--raw"});
   EXPECT_NE(raw.find("\nc = \n\xC3\xA9\\n = 6e6f096c697374\n"), std::string::npos) << raw;
+}
+
+TEST_F(Attributes, AreShownAsJsonWithTheirTypes) {
+  EXPECT_EQ(shown({"list", "--json"}), "[]\n");
+  const struct {
+    const char* type;
+    const char* text;
+    const char* shownType;
+    const char* json;
+  } cases[] = {
+      {"string", "12", "string", R"("12")"},
+      {"int", "12", "int", "12"},
+      {"float", "0.5", "float", "0.5"},
+      {"double", "0.5", "double", "0.5"},
+      {"bool", "no", "bool", "false"},
+      {"date", "2021-03-04T05:06:07Z", "date", R"("2021-03-04T05:06:07Z")"},
+      {"data", "00ff", "data", R"("00ff")"},
+      {"json", "[1]", "array", "[1]"},
+      {"json", "{}", "dictionary", "{}"},
+  };
+  for (const auto& c : cases) {
+    shown({"set", "a", c.text, "--type", c.type});
+    EXPECT_EQ(shown({"get", "a", "--json"}), c.json + std::string("\n"));
+    EXPECT_EQ(shown({"list", "--json"}), std::string("[\n{\"name\": \"a\", \"type\": \"") +
+                                             c.shownType + "\", \"value\": " + c.json + "}\n]\n");
+  }
+  ASSERT_TRUE(storeAttribute(file_, "user.b", "\xFF"));
+  EXPECT_EQ(shown({"get", "b", "--raw", "--json"}), "\"ff\"\n");
+  EXPECT_TRUE(shown({"list", "--raw", "--json"})
+                  .ends_with("\n{\"name\": \"b\", \"type\": \"data\", \"value\": \"ff\"}\n]\n"));
+  ASSERT_TRUE(storeAttribute(file_, "user.\xFF", "x"));
+  EXPECT_TRUE(shown({}).ends_with("\n\uFFFD: its name is not UTF-8\n")) << shown({});
 }
 
 TEST_F(Attributes, RawBytesAreKeptAsTheyAre) {
@@ -154,8 +186,11 @@ TEST_F(Attributes, ThatTheSystemRefusesAreTold) {
 TEST_F(Attributes, ThatNoListCanHoldAreNotSet) {
   shown({"set", "a", "before"});
   expectFailure({"set", "a", "null", "--type", "json"},
-                "cannot set the attribute a of " + file_ +
-                    ": Value of class NSNull cannot be serialized into a plist");
+                "VALUE can not be kept: The value can not be written as a property list: value: "
+                "null is no value of a property list.");
+  expectFailure({"set", "a", "{\"k\": [null]}", "--type", "json"},
+                "VALUE can not be kept: The value can not be written as a property list: "
+                "value.k[0]: null is no value of a property list.");
   EXPECT_EQ(shown({"get", "a"}), "before\n");
 }
 
@@ -185,6 +220,8 @@ TEST_F(Attributes, UsageIsRefusedWithAReason) {
       {{"get", "a", "b"}, "get takes no VALUE"},
       {{"get", "a", "--type", "int"}, "get takes no --type"},
       {{"remove", "a", "--raw"}, "remove takes no --raw"},
+      {{"remove", "a", "--json"}, "remove shows nothing, and takes no --json"},
+      {{"set", "a", "1", "--json"}, "set shows nothing, and takes no --json"},
       {{"set", "a", "1", "--raw", "--type", "int"},
        "with --raw, VALUE is of the type string or data"},
       {{"set", "a", "1", "--type", "text"},
@@ -204,12 +241,17 @@ TEST_F(Attributes, UsageIsRefusedWithAReason) {
 TEST_F(Attributes, HelpShowsExamplesThatRunInTheirOrder) {
   folder_.file("report.txt", "");
   const std::vector<std::string> outputs = outputsOfExamples("attributes", folder_);
-  EXPECT_EQ(outputs.size(), 7U);
+  EXPECT_EQ(outputs.size(), 8U);
   std::string shownByAll;
   for (const std::string& output : outputs) shownByAll += output;
   EXPECT_EQ(shownByAll,
-            "org.example.authors = [\"Ann\", \"Bob\"]\norg.example.page = 12\n"
-            "xdg.comment: no property list, 12 bytes\n12\nas it stands");
+            "org.example.authors (array) = [\"Ann\", \"Bob\"]\norg.example.page (int) = 12\n"
+            "xdg.comment: no property list, 12 bytes\n"
+            "[\n{\"name\": \"org.example.authors\", \"type\": \"array\", \"value\": [\"Ann\", "
+            "\"Bob\"]},\n"
+            "{\"name\": \"org.example.page\", \"type\": \"int\", \"value\": 12},\n"
+            "{\"name\": \"xdg.comment\", \"fault\": \"no property list, 12 bytes\"}\n]\n12\nas it "
+            "stands");
 }
 
 }  // namespace

@@ -126,9 +126,7 @@ TEST(Explain, RefusesWhatTheParserRefuses) {
   const ProgramRun run = runTool({"explain", "a = %q"});
   EXPECT_EQ(run.exitCode, 2);
   EXPECT_EQ(run.out, "");
-  EXPECT_EQ(run.err,
-            "qx: qualifierParser -- QXQualifier: unrecognized character (q) in the conversion "
-            "specification\n");
+  EXPECT_EQ(run.err, "qx: unrecognized character (q) in the conversion specification\n");
   EXPECT_EQ(runTool({"explain", "a = %d"}).err,
             "qx: missing arguments: 0 given, the format takes 1\n");
 }

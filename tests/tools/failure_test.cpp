@@ -34,8 +34,15 @@ INSTANTIATE_TEST_SUITE_P(
     CommandLine, Usage,
     testing::Values(
         UsageCase{{}, "no command is given; qx --help lists them"},
-        UsageCase{{"bogus"}, "The following argument was not expected: bogus"},
-        UsageCase{{"--bogus"}, "The following argument was not expected: --bogus"},
+        UsageCase{{"bogus"},
+                  "there is no command bogus; there are select, explain, plist, prefs, date, size, "
+                  "fraction, lock, identity, tags, attributes"},
+        UsageCase{{"", "x"},
+                  "there is no command \"\"; there are select, explain, plist, prefs, date, size, "
+                  "fraction, lock, identity, tags, attributes"},
+        UsageCase{{"--bogus"}, "there is no option --bogus before a command; see qx --help"},
+        UsageCase{{"--bogus", "size", "1"},
+                  "there is no option --bogus before a command; see qx --help"},
         UsageCase{{"select"}, "FILE is required"},
         UsageCase{{"select", "-", "more"}, "The following argument was not expected: more"},
         UsageCase{{"select", "-", "--bogus"}, "The following argument was not expected: --bogus"},
@@ -74,12 +81,8 @@ INSTANTIATE_TEST_SUITE_P(
     Formats, Usage,
     testing::Values(
         where({""}, "the format is empty"), where({"a = \xFF"}, "the format is not UTF-8"),
-        where({"a = %x"},
-              "qualifierParser -- QXQualifier: unrecognized character (x) in the conversion "
-              "specification"),
-        where({"a = %"},
-              "qualifierParser -- QXQualifier: unrecognized character () in the conversion "
-              "specification"),
+        where({"a = %x"}, "unrecognized character (x) in the conversion specification"),
+        where({"a = %"}, "the format ends within a conversion; %% stands for a percent sign"),
         where({"a = %d"}, "missing arguments: 0 given, the format takes 1"),
         where({"a = %d and b = %@", "--arg", "1"},
               "missing arguments: 1 given, the format takes 2"),
@@ -184,6 +187,14 @@ TEST(MalformedInput, IsQuotedAtItsEndAlone) {
   EXPECT_NE(run.err.find("last read: '...xxxx"), std::string::npos);
 }
 
+TEST(MalformedInput, IsToldToItsEndWhereItsNameHoldsANul) {
+  Surroundings surroundings;
+  surroundings.input = R"([{"a\u0000b": 1}])";
+  const ProgramRun run = runTool({"select", "-", "--output", "plist"}, surroundings);
+  EXPECT_EQ(run.exitCode, 2);
+  EXPECT_NE(run.err.find("[0].a\\u0000b: "), std::string::npos) << run.err;
+}
+
 TEST(UnreadableFile, IsRefusedWithItsName) {
   const TemporaryFolder folder;
   const std::string missing = folder.path("missing");
@@ -200,6 +211,16 @@ TEST(UnreadableFile, IsRefusedWithItsName) {
 TEST(UnreadableFile, CannotUpsetTheTerminalByItsName) {
   expectFailure(runTool({"select", "/no\n\x1B[31m\xFFthing"}),
                 "cannot read /no\\n\\u001B[31m\\xFFthing: No such file or directory");
+}
+
+TEST(Reason, ShowsAnEmptyWordAsQuotes) {
+  EXPECT_EQ(runTool({"select", ""}).err, "qx: cannot read \"\": No such file or directory\n");
+  const TemporaryFolder folder;
+  const std::string list = folder.file("l", "<plist version=\"1.0\"><true/></plist>");
+  EXPECT_EQ(runTool({"plist", list, "--out", ""}).err,
+            "qx: cannot write \"\": No such file or directory\n");
+  EXPECT_EQ(runTool({"lock", list, "--", ""}).err,
+            "qx: cannot run \"\": No such file or directory\n");
 }
 
 TEST(UnwritableOutput, IsReported) {

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -143,9 +144,95 @@ TEST_F(LockCommand, ShowsThatNothingIsKnownOrNothingThere) {
   EXPECT_EQ(under({"true"}).exitCode, 75);
 }
 
-TEST_F(LockCommand, WantsEitherACommandOrShow) {
-  EXPECT_EQ(runTool({"lock", path_}).exitCode, 2);
-  EXPECT_EQ(runTool({"lock", path_, "--show", "--", "true"}).exitCode, 2);
+// Whatever stands in the place of the lock file keeps the lock from everybody, and is shown.
+TEST_F(LockCommand, ShowsAndNamesWhatCanNotBeReadAsItRefusesTheLock) {
+  const std::string lock = path_ + ".lock";
+  const auto expectBoth = [&](const std::string& fault) {
+    const ProgramRun refused = under({"true"});
+    EXPECT_EQ(refused.exitCode, 75);
+    EXPECT_EQ(refused.err, "qx: " + path_ + " is locked, by whom cannot be read in " + lock + ": " +
+                               fault + "\n");
+    const ProgramRun shown = runTool({"lock", path_, "--show"});
+    EXPECT_EQ(shown.exitCode, 0);
+    EXPECT_TRUE(shown.out.starts_with("lock     " + lock + "\nuser     unknown\n")) << shown.out;
+    EXPECT_TRUE(shown.out.ends_with("\nfault    " + fault + "\n")) << shown.out;
+  };
+  folder_.file("f.lock", "garbage");
+  expectBoth("it is no record of a lock");
+  if (::geteuid() != 0) {
+    std::filesystem::permissions(lock, std::filesystem::perms::none);
+    expectBoth("Permission denied");
+  }
+  std::filesystem::remove(lock);
+  std::filesystem::create_symlink("nowhere", lock);
+  expectBoth("it is a symbolic link");
+  std::filesystem::remove(lock);
+  leaveLock("another machine", "77");
+  std::filesystem::rename(lock, folder_.path("elsewhere"));
+  std::filesystem::create_symlink("elsewhere", lock);
+  expectBoth("it is a symbolic link");
+  std::filesystem::remove(lock);
+  std::filesystem::create_directory(lock);
+  expectBoth("Is a directory");
+  std::filesystem::remove(lock);
+  ASSERT_EQ(::mkfifo(lock.c_str(), 0600), 0);
+  expectBoth("it is no regular file");
+}
+
+TEST_F(LockCommand, ShowsTheRecordAsJson) {
+  leaveLock(machine(), std::to_string(::getpid()));
+  EXPECT_EQ(runTool({"lock", path_, "--show", "--json"}).out,
+            "{\"lock\": \"" + path_ +
+                ".lock\", \"user\": \"ann\\u202E\", \"host\": \"elsewhere\", " + "\"machine\": \"" +
+                machine() + "\", \"process\": " + std::to_string(::getpid()) +
+                ", \"holder\": \"alive\"}\n");
+  folder_.file("f.lock", "garbage");
+  EXPECT_EQ(runTool({"lock", path_, "--show", "--json"}).out,
+            "{\"lock\": \"" + path_ +
+                ".lock\", \"user\": null, \"host\": null, \"machine\": null, \"process\": null, "
+                "\"holder\": \"unknown\", \"fault\": \"it is no record of a lock\"}\n");
+  std::filesystem::remove(path_ + ".lock");
+  const ProgramRun none = runTool({"lock", path_, "--show", "--json"});
+  EXPECT_EQ(none.exitCode, 1);
+  EXPECT_EQ(none.out, "");
+}
+
+TEST_F(LockCommand, TellsThatTheLockWasLostWhateverTheCommandGave) {
+  const std::string told =
+      "qx: somebody took or removed the lock of " + path_ + " while the command ran\n";
+  for (const int status : {0, 3}) {
+    const ProgramRun run =
+        under({"sh", "-c", "rm '" + path_ + ".lock'; exit " + std::to_string(status)});
+    EXPECT_EQ(run.exitCode, status == 0 ? 2 : status);
+    EXPECT_EQ(run.err, told);
+  }
+  const ProgramRun taken =
+      under({QX_TOOL_PATH, "lock", path_, "--override", "--", "sh", "-c", "exit 4"});
+  EXPECT_EQ(taken.exitCode, 4);
+  EXPECT_EQ(taken.err, told);
+}
+
+TEST_F(LockCommand, WantsAPathAndEitherACommandOrShow) {
+  const struct {
+    std::vector<std::string> words;
+    const char* reason;
+  } cases[] = {
+      {{path_}, "no command is given; it stands behind --, or use --show"},
+      {{path_, "--show", "--", "true"}, "--show runs no command"},
+      {{path_, "--show", "--override"}, "--show overrides nothing"},
+      {{path_, "--json", "--", "true"}, "--json goes with --show"},
+      {{"", "--", "true"}, "PATH is empty"},
+      {{"", "--show"}, "PATH is empty"},
+      {{"\xFF", "--show", "--json"}, "JSON has no form for a name that is not UTF-8: \\xFF"},
+  };
+  for (const auto& c : cases) {
+    std::vector<std::string> words = c.words;
+    words.insert(words.begin(), "lock");
+    const ProgramRun run = runTool(words);
+    EXPECT_EQ(run.exitCode, 2) << c.reason;
+    EXPECT_EQ(run.out, "");
+    EXPECT_EQ(run.err, std::string("qx: ") + c.reason + "\n");
+  }
   EXPECT_FALSE(isLocked());
 }
 
@@ -156,6 +243,8 @@ TEST(IdentityCommand, ShowsTheMachineAndItsName) {
   ASSERT_EQ(::gethostname(name, 256), 0);
   EXPECT_TRUE(run.out.starts_with("identifier  ")) << run.out;
   EXPECT_TRUE(run.out.ends_with("\nhost        " + std::string(name) + "\n")) << run.out;
+  EXPECT_EQ(runTool({"identity", "--json"}).out,
+            "{\"identifier\": \"" + machine() + "\", \"host\": \"" + name + "\"}\n");
 }
 
 }  // namespace

@@ -116,6 +116,30 @@ TEST_F(Prefs, RefusesTextThatIsNotOfTheType) {
   EXPECT_FALSE(std::filesystem::exists(path()));
 }
 
+TEST_F(Prefs, RefusesJsonThatWouldBeKeptAsAnotherValue) {
+  const struct {
+    const char* text;
+    const char* reason;
+  } cases[] = {
+      {"18446744073709551616", "an integer that 64 bits do not hold: 18446744073709551616"},
+      {"[-9223372036854775809]", "an integer that 64 bits do not hold: -9223372036854775809"},
+      {"{\"a\": 1, \"b\": 2, \"a\": 1}", "the key \"a\" is given twice"},
+      {"[{\"\\u001b\": {}, \"\\u001b\": 0}]", "the key \"\\u001B\" is given twice"},
+  };
+  for (const auto& c : cases) {
+    expectFailure({"set", "a", "--type", "json", "--", c.text},
+                  "VALUE (" + std::string(c.text) + ") can not be kept: " + c.reason);
+  }
+  const std::string many(50, '7');
+  expectFailure({"set", "a", many, "--type", "json"},
+                "VALUE (" + std::string(39, '7') +
+                    "\u2026) can not be kept: an integer that 64 bits do not hold: " +
+                    std::string(39, '7') + "\u2026");
+  EXPECT_FALSE(std::filesystem::exists(path()));
+  shown({"set", "a", R"([{"a": 1}, {"a": {"a": -9223372036854775808}}, 1e30])", "--type", "json"});
+  EXPECT_EQ(shown({"get", "a"}), "[{\"a\": 1}, {\"a\": {\"a\": -9223372036854775808}}, 1e+30]\n");
+}
+
 TEST_F(Prefs, RefusesWhatAPropertyListCanNotHold) {
   const ProgramRun null = run({"set", "a", "[null]", "--type", "json"});
   EXPECT_EQ(null.exitCode, 2);
@@ -150,6 +174,7 @@ TEST_F(Prefs, ListsALineForEachValue) {
                   {"text", "two\nlines \x1B[31m"},
                   {"org.example.key", qx::dict({{"x", true}})},
                   {"a[0]", 1},
+                  {"", qx::dict({{"", 2}})},
                   {"big", qx::array(1.0 / 0.0)}}),
         qx::PropertyListFormat::binary);
   EXPECT_EQ(shown({"list"}),
@@ -159,6 +184,7 @@ TEST_F(Prefs, ListsALineForEachValue) {
             "text = two\\nlines \\u001B[31m\n"
             "\"org.example.key\" = {\"x\": true}\n"
             "\"a[0]\" = 1\n"
+            "\"\" = {\"\": 2}\n"
             "big = [\"inf\"]\n");
   EXPECT_EQ(shown({"list", "ui"}), "ui.font.size = 11\nui.none = {}\n");
   EXPECT_EQ(shown({"list", "ui.font.size"}), "ui.font.size = 11\n");
@@ -210,12 +236,29 @@ TEST_F(Prefs, RefusesToSetWhereTheValueWouldNotStandAfterwards) {
 }
 
 TEST_F(Prefs, LeavesTheFileWhereThePathLeadsThroughAValue) {
-  write(qx::dict({{"a", 1}}));
+  write(qx::dict({{"a", 1}, {"list", qx::array(1)}}));
   const std::string before = contentOf(path());
-  for (const char* keyPath : {"a.b.c", "a.", "abc]"}) {
-    EXPECT_EQ(run({"set", keyPath, "x"}).exitCode, 2) << keyPath;
+  for (const char* keyPath : {"a.b", "a.b.c", "a[0].b", "list.b", "list[0].b"}) {
+    expectFailure({"set", keyPath, "x"}, "no value can be set at " + std::string(keyPath) +
+                                             ": it leads through what is no dictionary");
   }
-  EXPECT_EQ(run({"get", "a.b"}).exitCode, 2);
+  expectFailure({"set", "a.", "x"}, "no value can be set at a.: a key path ends with a key");
+  for (const char* keyPath : {"a.b", "a.b.c", "a.", "list.b", "list[0].b"}) {
+    for (const char* action : {"get", "remove", "list"}) {
+      expectFailure({action, keyPath}, path() + ": nothing stands at " + keyPath, 1);
+    }
+  }
+  expectFailure({"get", ""}, path() + ": nothing stands at \"\"", 1);
+  for (const char* action : {"get", "remove", "list"}) {
+    for (const char* keyPath : {"abc]", "list[!]"}) {
+      expectFailure({action, keyPath}, std::string(keyPath) +
+                                           " is no key path: brackets hold a "
+                                           "number, at the end of a key");
+    }
+  }
+  expectFailure({"remove", "list[0]"},
+                "nothing can be removed at list[0]: it is an element of an array, or its key is "
+                "empty");
   EXPECT_EQ(contentOf(path()), before);
 }
 
@@ -255,7 +298,8 @@ TEST_F(Prefs, TellsThatAFileCanNotBeReadOrWritten) {
   const std::string missing = folder_.path("no/s.plist");
   const ProgramRun done = runTool({"prefs", missing, "set", "a", "1"});
   EXPECT_EQ(done.exitCode, 2);
-  EXPECT_EQ(done.err, "qx: " + missing + " could not be written; it is as it was\n");
+  EXPECT_EQ(done.err, "qx: " + missing +
+                          " could not be written, and is as it was: No such file or directory\n");
 }
 
 TEST_F(Prefs, KeepsASymbolicLinkAndTheModeOfItsFile) {
@@ -292,7 +336,7 @@ TEST(PrefsUsage, IsRefusedWithAReason) {
       {{"-", "list"}, "settings are kept in files; one of the name - is ./-"},
       {{"\xFF", "list"}, "the name of FILE is not UTF-8: \\xFF"},
       {{"--application", "a/b", "list"},
-       "+[NSUserDefaults pathForApplicationName:]: the name can not be that of a file"},
+       "the name of the application can not be that of a file: a/b"},
       {{"--application", "a\xFF", "list"}, "the name of the application is not UTF-8: a\\xFF"},
       {{"--application", "app", "f", "set", "a", "b"},
        "with --application there is no FILE: get, set, remove or list comes first"},

@@ -139,7 +139,7 @@ std::string noDate(const std::string& text) {
 INSTANTIATE_TEST_SUITE_P(
     Table, SingleValue,
     testing::Values(
-        Refusal{{"date"}, "DATE is required"}, Refusal{{"date", ""}, noDate("")},
+        Refusal{{"date"}, "DATE is required"}, Refusal{{"date", ""}, noDate("\"\"")},
         Refusal{{"date", "2021-03-04"}, noDate("2021-03-04")},
         Refusal{{"date", "nan"}, noDate("nan")}, Refusal{{"date", "1e"}, noDate("1e")},
         Refusal{{"date", "a\x1B\xFF"}, noDate("a\\u001B\\xFF")},
@@ -149,7 +149,7 @@ INSTANTIATE_TEST_SUITE_P(
                 "seconds must fit 64 bits, not 9223372036854775808"},
         Refusal{{"date", "0", "1"}, "The following argument was not expected: 1"},
         Refusal{{"size"}, "N is required"},
-        Refusal{{"size", ""}, "N is an integer of 64 bits, not "},
+        Refusal{{"size", ""}, "N is an integer of 64 bits, not \"\""},
         Refusal{{"size", "1.5"}, "N is an integer of 64 bits, not 1.5"},
         Refusal{{"size", "9223372036854775808"},
                 "N is an integer of 64 bits, not 9223372036854775808"},

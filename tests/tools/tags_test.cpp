@@ -100,12 +100,30 @@ TEST_F(Tags, AreAddedBehindOrInPlaceOfTheirName) {
 
 TEST_F(Tags, AreRemovedByNameAndTheLastOneWithTheAttribute) {
   shown({a_, "--set", "One:1", "--set", "a:b:", "--set", "Three"});
-  shown({a_, "--remove", "ONE", "--remove", "a:b", "--remove", "absent"});
+  shown({a_, "--remove", "ONE", "--remove", "a:b"});
   EXPECT_EQ(shown({a_}), "Three\n");
   shown({a_, "--remove", "Three"});
   EXPECT_EQ(storedAttribute(a_, kStored), "absent");
-  shown({a_, "--remove", "Three"});
+}
+
+TEST_F(Tags, ThatAreToBeRemovedAndNowhereHaveAnExitCodeOfTheirOwn) {
+  shown({a_, "--set", "One:red"});
+  expectFailure({a_, "--remove", "Two"}, a_ + " has no tag Two", 1);
+  expectFailure({b_, "--remove", "One"}, b_ + " has no tag One", 1);
+  expectFailure({a_, "--remove", "One:red"},
+                a_ + " has no tag One:red; --remove takes the name alone, without a colour", 1);
+  EXPECT_EQ(shown({a_}), "One:red\n");
+  expectFailure({a_, b_, "--remove", "Two"}, "no file has the tag Two", 1);
+  // One of the files has it; the other things are done; what is cleared is not looked at.
+  shown({a_, b_, "--remove", "One", "--add", "New"});
+  expectFailure({a_, b_, "--remove", "Two", "--add", "Newer"}, "no file has the tag Two", 1);
+  EXPECT_EQ(shown({a_, b_}), a_ + ": New\n" + a_ + ": Newer\n" + b_ + ": New\n" + b_ + ": Newer\n");
+  shown({a_, "--clear", "--remove", "Two"});
   EXPECT_EQ(storedAttribute(a_, kStored), "absent");
+  const ProgramRun some = run({a_, folder_.path("none"), "--remove", "Two"});
+  EXPECT_EQ(some.exitCode, 2);
+  EXPECT_EQ(some.err, "qx: cannot read the tags of " + folder_.path("none") +
+                          ": No such file or directory\n");
 }
 
 TEST_F(Tags, AreClearedFirstAndAddedLast) {
@@ -134,7 +152,8 @@ TEST_F(Tags, ThatDoNotChangeAreNotWritten) {
   ASSERT_TRUE(storeAttribute(b_, kStored,
                              "<plist version=\"1.0\"><array><string>x</string></array></plist>"));
   const std::string before = storedAttribute(b_, kStored);
-  shown({b_, "--add", "x", "--remove", "y"});
+  shown({b_, "--add", "x"});
+  expectFailure({b_, "--remove", "y"}, b_ + " has no tag y", 1);
   EXPECT_EQ(storedAttribute(b_, kStored), before);
   shown({b_, "--add", "y"});
   EXPECT_EQ(listOfAttribute(b_, kStored), "['x', 'y']");
@@ -181,24 +200,14 @@ TEST_F(Tags, OfTheOtherFilesAreDoneWhereSomeFail) {
 }
 
 TEST_F(Tags, ThatAreNoneAreToldAndLeftAsTheyAre) {
-  const struct {
-    const char* list;
-    const char* reason;
-  } cases[] = {
-      {"{'a': 1}", "-[NSDictionary qxFlatMap:]: the receiver has no such operation"},
-      {"'Work'", "-[NSString qxFlatMap:]: the receiver has no such operation"},
-      {"['Work', 5]",
-       "-[NSNumber componentsSeparatedByString:]: the receiver has no such operation"},
-      {"[['Work']]", "-[NSArray componentsSeparatedByString:]: the receiver has no such operation"},
-  };
-  for (const auto& c : cases) {
-    ASSERT_TRUE(storeList(a_, kStored, c.list));
+  for (const char* list : {"{'a': 1}", "'Work'", "['Work', 5]", "[['Work']]"}) {
+    ASSERT_TRUE(storeList(a_, kStored, list));
     const std::string before = storedAttribute(a_, kStored);
     for (const std::vector<std::string>& change :
          {std::vector<std::string>{}, {"--add", "x"}, {"--set", "x"}, {"--remove", "Work"}}) {
       std::vector<std::string> words = {a_};
       words.insert(words.end(), change.begin(), change.end());
-      expectFailure(words, "the tags of " + a_ + " are no list of texts: " + c.reason);
+      expectFailure(words, "the tags of " + a_ + " are no list of texts; --clear gives them up");
     }
     EXPECT_EQ(storedAttribute(a_, kStored), before);
     EXPECT_EQ(contentOf(a_), "content");
@@ -226,6 +235,11 @@ TEST_F(Tags, OfFilesWhoseNamesAreNoTextAreShownButNotAsJson) {
   EXPECT_EQ(shown({odd, a_}), folder_.path("") + "\\xFF\\n: x\n");
   expectFailure({odd, "--json"},
                 "JSON has no form for a name that is not UTF-8: " + folder_.path("") + "\\xFF\\n");
+  const ProgramRun change = run({odd, a_, "--set", "y", "--json"});
+  EXPECT_EQ(change.exitCode, 2);
+  EXPECT_EQ(change.out,
+            "[\n{\"file\": \"" + a_ + "\", \"tags\": [{\"name\": \"y\", \"color\": 0}]}\n]\n");
+  EXPECT_EQ(shown({odd}), "x\n");
 }
 
 TEST_F(Tags, WantWordsThatMakeATag) {

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <limits>
 #include <optional>
+#include <stdexcept>
 #include <utility>
 
 #include <QXFoundation/qualifier_format.h>
@@ -52,7 +53,7 @@ qx::PropertyValue realFor(const Given& given, const qx::PropertyValue& value) {
 qx::PropertyValue valueFor(char letter, const Given& given) {
   if (!isValidUtf8(given.text)) throw Failure("it is not UTF-8");
   const qx::PropertyValue value =
-      given.isJson ? valueFromJson(given.text) : qx::PropertyValue(given.text);
+      given.isJson ? valueFromJson(given.text, JsonRules::lenient) : qx::PropertyValue(given.text);
   switch (letter) {
     case 'd':
       return integerFor(given, value);
@@ -110,7 +111,7 @@ FormatArguments argumentsFor(std::string_view format, const std::vector<Given>& 
   for (std::size_t i = 0; i < given.size(); ++i) {
     try {
       result.values.push_back(valueFor(i < letters.size() ? letters[i] : '@', given[i]));
-    } catch (const Failure& failure) {
+    } catch (const std::runtime_error& failure) {  // a Failure or a JsonFault
       throw Failure("argument " + std::to_string(i + 1) + " (" +
                     cutToWidth(printable(given[i].text), 40) + "): " + failure.what());
     }

@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include <QXFoundation/dictionary.h>
 #include <QXFoundation/extended_attributes.h>
 #include <QXFoundation/property_list.h>
 
@@ -29,6 +30,7 @@ struct AttributeOptions {
   std::optional<std::string> value;
   std::optional<std::string> type;
   bool raw = false;
+  bool json = false;
 };
 
 struct Work {
@@ -63,12 +65,14 @@ void showBytes(const qx::Data& bytes) {
 
 void get(const Work& work) {
   const auto bytes = bytesOf(work);
+  if (work.options.raw && work.options.json) return show(valueJson(bytes) + "\n");
   if (work.options.raw) return showBytes(*bytes);
   qx::Ref<qx::Error> error;
   const qx::PropertyValue value = listFrom(bytes, &error);
   if (value.isNil()) {
     throw Failure(work.failure("read", error).what() + std::string(" --raw shows its bytes."));
   }
+  if (work.options.json) return show(valueJson(value) + "\n");
   const std::string text = valueText(value);
   show((outputIsTerminal() ? printable(text) : text) + "\n");
 }
@@ -85,6 +89,7 @@ bool setValue(const Work& work, qx::Ref<qx::Error>* error) {
   const AttributeOptions& options = work.options;
   if (!isValidUtf8(*options.value)) throw Failure(*options.value + " is not UTF-8");
   const qx::PropertyValue value = valueFromText(options.type.value_or("string"), *options.value);
+  requireStorable(value, qx::PropertyListFormat::binary);
   return setExtendedAttributeValue(work.url, value, *options.name, error);
 }
 
@@ -102,27 +107,67 @@ void remove(const Work& work) {
   }
 }
 
-// The rest of its line; an attribute that can not be shown says why.
-std::string lineOf(const Work& work, const std::string& name) {
-  qx::Ref<qx::Error> error;
-  const auto bytes = dataForExtendedAttribute(work.url, name, &error);
-  if (bytes == nullptr) return ": " + error->localizedDescription();
-  if (work.options.raw) return " = " + valueText(bytes);
-  const qx::PropertyValue value = listFrom(bytes, nullptr);
-  if (!value.isNil()) return " = " + printable(valueText(value));
-  return ": no property list, " + std::to_string(bytes->length()) + " bytes";
+// An attribute of a list: its value, or why there is none to show.
+struct Shown {
+  std::string name;
+  qx::PropertyValue value;
+  std::string fault;
+};
+
+// A name that is not UTF-8 is listed with a mark in place of each wrong byte, by which the
+// attribute is not found.
+std::string faultOf(const std::string& name, const qx::Ref<qx::Error>& error) {
+  const bool isMarked = name.find("\uFFFD") != std::string::npos;
+  return isMarked && tellsOfNoAttribute(error) ? "its name is not UTF-8"
+                                               : error->localizedDescription();
 }
 
-void list(const Work& work) {
+Shown shownOf(const Work& work, const std::string& name) {
+  qx::Ref<qx::Error> error;
+  const auto bytes = dataForExtendedAttribute(work.url, name, &error);
+  if (bytes == nullptr) return {name, {}, faultOf(name, error)};
+  if (work.options.raw) return {name, bytes, {}};
+  const qx::PropertyValue value = listFrom(bytes, nullptr);
+  if (!value.isNil()) return {name, value, {}};
+  return {name, {}, "no property list, " + std::to_string(bytes->length()) + " bytes"};
+}
+
+std::string lineOf(const Work& work, const Shown& shown) {
+  const std::string name = printable(shown.name);
+  if (shown.value.isNil()) return name + ": " + shown.fault;
+  if (work.options.raw) return name + " = " + valueText(shown.value);
+  return name + " (" + typeOf(shown.value) + ") = " + printable(valueText(shown.value));
+}
+
+std::string recordOf(const Shown& shown) {
+  if (shown.value.isNil()) {
+    return valueJson(qx::dict({{"name", shown.name}, {"fault", shown.fault}}));
+  }
+  return valueJson(
+      qx::dict({{"name", shown.name}, {"type", typeOf(shown.value)}, {"value", shown.value}}));
+}
+
+std::vector<std::string> namesOf(const Work& work) {
   qx::Ref<qx::Error> error;
   const auto found = extendedAttributeNames(work.url, &error);
   if (found == nullptr) throw attributeFailure("list the attributes", work.options.file, error);
   std::vector<std::string> names;
   for (const qx::PropertyValue& name : *found) names.push_back(name.as<qx::String>()->utf8());
   std::sort(names.begin(), names.end());
-  std::string lines;
-  for (const std::string& name : names) lines += printable(name) + lineOf(work, name) + '\n';
-  show(lines);
+  return names;
+}
+
+void list(const Work& work) {
+  const bool json = work.options.json;
+  std::string text = json ? "[" : "";
+  const char* separator = json ? "\n" : "";
+  for (const std::string& name : namesOf(work)) {
+    const Shown shown = shownOf(work, name);
+    text += separator + (json ? recordOf(shown) : lineOf(work, shown) + '\n');
+    if (json) separator = ",\n";
+  }
+  if (json) text += *separator == ',' ? "\n]\n" : "]\n";
+  show(text);
 }
 
 struct Action {
@@ -130,19 +175,21 @@ struct Action {
   bool needsKey;
   bool takesValue;
   bool takesRaw;
+  bool shows;
   void (*run)(const Work& work);
 };
 
-constexpr Action kActions[] = {{"get", true, false, true, &get},
-                               {"set", true, true, true, &set},
-                               {"remove", true, false, false, &remove},
-                               {"list", false, false, true, &list}};
+constexpr Action kActions[] = {{"get", true, false, true, true, &get},
+                               {"set", true, true, true, false, &set},
+                               {"remove", true, false, false, false, &remove},
+                               {"list", false, false, true, true, &list}};
 
 void requireWords(const Action& action, const AttributeOptions& options) {
   const std::string name(action.name);
   requireWordsOf(action, "NAME", options.name.has_value(), options.value.has_value(), options);
   if (action.needsKey && options.name->empty()) throw Failure("NAME is empty");
   if (!action.needsKey && options.name) throw Failure(name + " takes no NAME");
+  if (!action.shows && options.json) throw Failure(name + " shows nothing, and takes no --json");
   if (!action.takesRaw && options.raw) throw Failure(name + " takes no --raw");
   if (options.raw && options.type && options.type != "string" && options.type != "data") {
     throw Failure("with --raw, VALUE is of the type string or data");
@@ -169,6 +216,7 @@ std::function<void()> declareAttributes(CLI::App& app) {
                  std::string("What VALUE is: ") + kValueTypes + "; string if not given")
       ->type_name("TYPE");
   app.add_flag("--raw", options->raw, "The attribute's own bytes, without a property list");
+  app.add_flag("--json", options->json, "Show values as JSON");
   return [options] { runAttributes(*options); };
 }
 
@@ -185,6 +233,7 @@ const Command kAttributesCommand{
     "  qx attributes report.txt set org.example.authors '[\"Ann\", \"Bob\"]' --type json\n"
     "  qx attributes report.txt set xdg.comment 'as it stands' --raw\n"
     "  qx attributes report.txt\n"
+    "  qx attributes report.txt list --json\n"
     "  qx attributes report.txt get org.example.page\n"
     "  qx attributes report.txt get xdg.comment --raw\n"
     "  qx attributes report.txt remove org.example.page",

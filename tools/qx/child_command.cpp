@@ -44,7 +44,7 @@ pid_t start(const std::vector<std::string>& command) {
   const int error = ::posix_spawnp(&process, words[0], nullptr, &attributes, words.data(), environ);
   posix_spawnattr_destroy(&attributes);
   if (error != 0) {
-    throw Failure("cannot run " + command[0] + ": " + std::strerror(error),
+    throw Failure("cannot run " + quotedIfEmpty(command[0]) + ": " + std::strerror(error),
                   error == ENOENT ? kNotThere : kNotRunnable);
   }
   return process;

@@ -32,7 +32,7 @@ qx::Ref<qx::Date> dateOf(const std::string& text) {
   }
   auto date = qx::qxDateFromISO8601String(text);
   if (date == nullptr) {
-    throw Failure("no date can be read from " + cutToWidth(printable(text), 60) +
+    throw Failure("no date can be read from " + cutToWidth(printable(quotedIfEmpty(text)), 60) +
                   "; a full one is 2021-03-04T05:06:07+02:00");
   }
   return date;

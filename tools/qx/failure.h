@@ -4,10 +4,12 @@
 #include <stdexcept>
 #include <string>
 
+#include "tools/qx/printable.h"
+
 namespace qxtool {
 
 // The reason is one line for the user, without the program's name. It may quote bytes from outside:
-// they are made printable where the reason is shown.
+// they are made printable, also the NUL at which `what` would end.
 class Failure : public std::runtime_error {
  public:
   static constexpr int kFailed = 2;
@@ -15,7 +17,7 @@ class Failure : public std::runtime_error {
   static constexpr int kNotFound = 1;
 
   explicit Failure(const std::string& reason, int exitCode = kFailed)
-      : std::runtime_error(reason), exitCode_(exitCode) {}
+      : std::runtime_error(printable(reason)), exitCode_(exitCode) {}
   int exitCode() const { return exitCode_; }
 
  private:

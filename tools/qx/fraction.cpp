@@ -13,6 +13,7 @@
 #include "tools/qx/failure.h"
 #include "tools/qx/labelled_lines.h"
 #include "tools/qx/number_of.h"
+#include "tools/qx/printable.h"
 
 namespace qxtool {
 namespace {
@@ -32,7 +33,8 @@ qx::Ref<qx::QXFractionNumber> fractionOf(std::string_view text) {
   }
   const auto number = numberOf<double>(text);
   if (!number || !std::isfinite(*number)) {
-    throw Failure("a fraction is made from N/D or a decimal number, not " + std::string(text));
+    throw Failure("a fraction is made from N/D or a decimal number, not " +
+                  quotedIfEmpty(std::string(text)));
   }
   return qx::QXFractionNumber::qxFractionNumberWithDouble(*number);
 }

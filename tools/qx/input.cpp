@@ -8,6 +8,7 @@
 #include <system_error>
 
 #include "tools/qx/failure.h"
+#include "tools/qx/printable.h"
 #include "tools/qx/progress.h"
 
 namespace qxtool {
@@ -16,7 +17,8 @@ namespace {
 constexpr std::size_t kBlockSize = 256 * 1024;
 
 [[noreturn]] void failReading(const std::string& name) {
-  throw Failure("cannot read " + name + ": " + std::generic_category().message(errno));
+  throw Failure("cannot read " + quotedIfEmpty(name) + ": " +
+                std::generic_category().message(errno));
 }
 
 }  // namespace

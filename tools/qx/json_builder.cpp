@@ -1,22 +1,27 @@
 #include "tools/qx/json_builder.h"
 
 #include <algorithm>
+#include <set>
 #include <string>
 #include <utility>
 
 #include <QXFoundation/array.h>
 #include <QXFoundation/number.h>
 
+#include "tools/qx/printable.h"
+
 namespace qxtool {
 namespace {
 
 constexpr std::size_t kMaxDecimalDigits = 38;
 
-// Integer text of at most so many digits is kept exactly.
-bool fitsDecimal(std::string_view text) {
+constexpr std::size_t kMaxQuotation = 40;
+
+// How many digits an integer has; 0 for a number of another form.
+std::size_t digitsOfInteger(std::string_view text) {
   if (!text.empty() && text.front() == '-') text.remove_prefix(1);
   const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
-  return text.size() <= kMaxDecimalDigits && std::all_of(text.begin(), text.end(), isDigit);
+  return std::all_of(text.begin(), text.end(), isDigit) ? text.size() : 0;
 }
 
 }  // namespace
@@ -40,8 +45,13 @@ bool JsonBuilder::unsignedInteger(std::uint64_t value) {
 }
 
 bool JsonBuilder::real(double value, const std::string& text) {
-  if (fitsDecimal(text)) return add(qx::DecimalNumber::initWithString(text));
-  return add(value);
+  const std::size_t digits = digitsOfInteger(text);
+  if (digits == 0) return add(value);
+  if (rules_ == JsonRules::strict) {
+    throw JsonFault("an integer that 64 bits do not hold: " + cutToWidth(text, kMaxQuotation));
+  }
+  // Up to here an integer is kept exactly.
+  return digits <= kMaxDecimalDigits ? add(qx::DecimalNumber::initWithString(text)) : add(value);
 }
 
 bool JsonBuilder::startDictionary() {
@@ -65,7 +75,19 @@ bool JsonBuilder::key(const std::string& text) {
   return true;
 }
 
+// Strings of one text are one object here.
+void JsonBuilder::requireDistinctKeys(std::size_t begin) const {
+  std::set<const qx::String*> known;
+  for (std::size_t i = begin; i < entries_.size(); ++i) {
+    const qx::String* key = entries_[i].key.object();
+    if (known.insert(key).second) continue;
+    throw JsonFault("the key \"" + cutToWidth(printable(key->utf8()), kMaxQuotation) +
+                    "\" is given twice");
+  }
+}
+
 bool JsonBuilder::endDictionary() {
+  if (rules_ == JsonRules::strict) requireDistinctKeys(frames_.back().begin);
   const auto begin = entries_.begin() + static_cast<std::ptrdiff_t>(frames_.back().begin);
   auto made = qx::Dictionary::from(entries_.data() + frames_.back().begin,
                                    static_cast<std::size_t>(entries_.end() - begin));

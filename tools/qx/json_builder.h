@@ -44,13 +44,21 @@ class JsonFault : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-// The functions are called by the parser, in the order of the text; they raise JsonFault. Integers
-// that 64 bits do not hold become decimal numbers where those hold them exactly (38 digits), else
-// doubles. "-0" is the integer 0. Of a key given twice the last value stays.
+// What becomes of text that no value stands for as it is.
+enum class JsonRules : unsigned char {
+  // Integers that 64 bits do not hold become decimal numbers where those hold them exactly (38
+  // digits), else doubles. Of a key given twice the last value stays.
+  lenient,
+  // Both are refused: for what is to be kept.
+  strict,
+};
+
+// The functions are called by the parser, in the order of the text; they raise JsonFault. "-0" is
+// the integer 0.
 class JsonBuilder {
  public:
   // With a sink, the text is an array of dictionaries, which are handed to it one by one.
-  explicit JsonBuilder(RecordSink* sink) : sink_(sink) {}
+  JsonBuilder(RecordSink* sink, JsonRules rules) : sink_(sink), rules_(rules) {}
 
   bool null() { return add(qx::null); }
   bool boolean(bool value) { return add(value); }
@@ -77,8 +85,10 @@ class JsonBuilder {
   bool open(bool isDictionary);
   bool add(qx::PropertyValue value);
   void addRecord(qx::PropertyValue value);
+  void requireDistinctKeys(std::size_t begin) const;
 
   RecordSink* const sink_;
+  const JsonRules rules_;
   std::size_t records_ = 0;
   KeyTable keys_;
   std::vector<Frame> frames_;

@@ -37,7 +37,7 @@ std::string atByte(std::uint64_t offset) { return " (byte " + std::to_string(off
 // The builder as the parser wants it. The names are the parser's.
 class Events {
  public:
-  explicit Events(RecordSink* sink) : builder_(sink) {}
+  Events(RecordSink* sink, JsonRules rules) : builder_(sink, rules) {}
   const qx::PropertyValue& root() const { return builder_.root(); }
 
   bool null() { return builder_.null(); }
@@ -71,18 +71,14 @@ class Events {
 
 }  // namespace
 
-qx::PropertyValue valueFromJson(std::string_view text) {
-  Events events(nullptr);
-  try {
-    if (!Json::sax_parse(text.begin(), text.end(), &events)) throw Failure(events.fault());
-  } catch (const JsonFault& fault) {
-    throw Failure(fault.what());
-  }
+qx::PropertyValue valueFromJson(std::string_view text, JsonRules rules) {
+  Events events(nullptr, rules);
+  if (!Json::sax_parse(text.begin(), text.end(), &events)) throw Failure(events.fault());
   return events.root();
 }
 
 void readJsonRecords(Input& input, RecordSink& sink) {
-  Events events(&sink);
+  Events events(&sink, JsonRules::lenient);
   try {
     if (!Json::sax_parse(Input::Iterator(input), Input::Iterator(), &events)) {
       throw Failure(input.name() + ": " + events.fault());

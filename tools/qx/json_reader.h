@@ -5,14 +5,16 @@
 
 #include <QXFoundation/property_value.h>
 
+#include "tools/qx/json_builder.h"
 #include "tools/qx/records.h"
 
 namespace qxtool {
 
 class Input;
 
-// One value. The Failure tells what is wrong with the text, and where.
-qx::PropertyValue valueFromJson(std::string_view text);
+// One value. The Failure tells what is wrong with the text, and where; a JsonFault what is
+// well-formed and still not taken.
+qx::PropertyValue valueFromJson(std::string_view text, JsonRules rules);
 
 // An array of dictionaries.
 void readJsonRecords(Input& input, RecordSink& sink);

@@ -9,7 +9,7 @@
 
 namespace qxtool {
 
-void showLines(std::initializer_list<LabelledLine> lines) {
+void showLines(const std::vector<LabelledLine>& lines) {
   constexpr std::size_t kGap = 2;
   std::size_t width = 0;
   for (const LabelledLine& line : lines) width = std::max(width, line.label.size());

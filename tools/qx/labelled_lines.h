@@ -1,9 +1,9 @@
 // What is to be told of one value: a line for each of its aspects.
 #pragma once
 
-#include <initializer_list>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace qxtool {
 
@@ -13,7 +13,7 @@ struct LabelledLine {
 };
 
 // Writes the lines to standard output, with their texts in one column.
-void showLines(std::initializer_list<LabelledLine> lines);
+void showLines(const std::vector<LabelledLine>& lines);
 
 // The shortest decimal number that is this double, without an exponent.
 std::string decimalText(double number);

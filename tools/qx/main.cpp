@@ -8,6 +8,7 @@
 #include <functional>
 #include <new>
 #include <string>
+#include <vector>
 
 #include <QXFoundation/exception.h>
 
@@ -15,6 +16,7 @@
 #include "tools/qx/failure.h"
 #include "tools/qx/message.h"
 #include "tools/qx/output.h"
+#include "tools/qx/printable.h"
 
 namespace qxtool {
 namespace {
@@ -27,6 +29,18 @@ const Command* const kCommands[] = {&kSelectCommand,   &kExplainCommand,   &kPli
 int fail(const std::string& reason, int exitCode = Failure::kFailed) {
   tell(reason);
   return exitCode;
+}
+
+// What is wrong with a word where a command should stand.
+std::string unknownWord(const std::string& word) {
+  if (word.starts_with('-'))
+    return "there is no option " + word + " before a command; see qx --help";
+  std::string names;
+  for (const Command* command : kCommands) {
+    if (!names.empty()) names += ", ";
+    names += command->name;
+  }
+  return "there is no command " + quotedIfEmpty(word) + "; there are " + names;
 }
 
 // Parses the command line and does what it says.
@@ -48,6 +62,10 @@ void run(int argc, char** argv) {
   }
   try {
     app.parse(argc, argv);
+  } catch (const CLI::ExtrasError& error) {
+    const std::vector<std::string> words = app.remaining();
+    if (words.empty()) throw Failure(error.what());  // they stand behind the command
+    throw Failure(unknownWord(words.front()));
   } catch (const CLI::CallForHelp&) {
     return show(app.help());
   } catch (const CLI::CallForVersion& version) {

@@ -17,7 +17,8 @@ namespace {
 
 // Of the last system call.
 [[noreturn]] void failWriting(const std::string& path) {
-  throw Failure("cannot write " + path + ": " + std::generic_category().message(errno));
+  throw Failure("cannot write " + quotedIfEmpty(path) + ": " +
+                std::generic_category().message(errno));
 }
 
 // False and errno when it fails. Closes the file.

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include <QXFoundation/dictionary.h>
+#include <QXFoundation/exception.h>
 #include <QXFoundation/preferences.h>
 #include <QXFoundation/property_list.h>
 
@@ -53,6 +54,8 @@ Request requestOf(const PrefsOptions& options) {
   return request;
 }
 
+constexpr char kBracketRule[] = "brackets hold a number, at the end of a key";
+
 struct Work {
   const SettingsPlace& place;
   const Request& request;
@@ -62,10 +65,21 @@ struct Work {
 // Safe for a terminal; every byte as it is for everything else.
 std::string shown(const std::string& text) { return outputIsTerminal() ? printable(text) : text; }
 
+// A path through a value that holds no others leads nowhere, as one that is merely not there.
+qx::PropertyValue valueAt(const qx::QXPreferences& store, const std::string& keyPath) {
+  try {
+    return store.objectForKeyPath(keyPath);
+  } catch (const qx::InvalidArgumentException&) {
+    return nullptr;
+  } catch (const qx::RangeException&) {
+    throw Failure(keyPath + " is no key path: " + kBracketRule);
+  }
+}
+
 qx::PropertyValue required(const Work& work, const qx::QXPreferences& store) {
-  qx::PropertyValue value = store.objectForKeyPath(*work.request.keyPath);
+  qx::PropertyValue value = valueAt(store, *work.request.keyPath);
   if (value.isNil()) {
-    throw Failure(work.place.path() + ": nothing stands at " + *work.request.keyPath,
+    throw Failure(work.place.path() + ": nothing stands at " + quotedIfEmpty(*work.request.keyPath),
                   Failure::kNotFound);
   }
   return value;
@@ -73,22 +87,15 @@ qx::PropertyValue required(const Work& work, const qx::QXPreferences& store) {
 
 void save(const Work& work, qx::QXPreferences& store) {
   if (store.synchronize()) return;
-  throw Failure(work.place.path() + " could not be written; it is as it was");
+  const auto error = store.lastSaveError();
+  throw Failure(work.place.path() + " could not be written, and is as it was" +
+                (error != nullptr ? ": " + error->localizedDescription() : std::string()));
 }
 
 void get(const Work& work) {
   const auto store = work.place.open(true);
   const qx::PropertyValue value = required(work, *store);
   show((work.options.json ? valueJson(value) : shown(valueText(value))) + "\n");
-}
-
-void requireWritable(const qx::PropertyValue& value) {
-  qx::Ref<qx::Error> error;
-  const auto list = qx::dict({{"value", value}});
-  if (qx::PropertyListSerialization::dataWithPropertyList(list, qx::PropertyListFormat::xml,
-                                                          &error) == nullptr) {
-    throw Failure("VALUE can not be kept: " + error->localizedDescription());
-  }
 }
 
 // A store takes what stands behind a bracket for nothing: "size[large]" would be "size".
@@ -100,8 +107,7 @@ void requirePlainIndexes(const std::string& keyPath) {
                          keyPath[end] == ']' &&
                          (end + 1 == keyPath.size() || keyPath[end + 1] == '.');
     if (!isIndex) {
-      throw Failure("no value can be set at " + keyPath +
-                    ": brackets hold a number, at the end of a key");
+      throw Failure("no value can be set at " + keyPath + ": " + kBracketRule);
     }
     at = end + 1;
   }
@@ -109,29 +115,45 @@ void requirePlainIndexes(const std::string& keyPath) {
 
 // Paths whose value would not be found there again, such as one beyond the end of an array, are
 // dropped by a store without a word. Here they change nothing.
+void setWhereItStands(qx::QXPreferences& store, const qx::PropertyValue& value,
+                      const std::string& keyPath) {
+  const std::string refused = "no value can be set at " + keyPath + ": ";
+  if (keyPath.ends_with('.')) throw Failure(refused + "a key path ends with a key");
+  try {
+    store.setObject(value, keyPath);
+  } catch (const qx::InvalidArgumentException&) {
+    throw Failure(refused + "it leads through what is no dictionary");
+  }
+  if (valueAt(store, keyPath) != value) throw Failure(refused + "its index stands for no place");
+}
+
 void set(const Work& work) {
   const std::string& keyPath = *work.request.keyPath;
   requirePlainIndexes(keyPath);
   const qx::PropertyValue value =
       valueFromText(work.options.type.value_or("string"), *work.request.value);
-  requireWritable(value);
+  requireStorable(value, qx::PropertyListFormat::xml);
   const auto store = work.place.open(false);
-  store->setObject(value, keyPath);
-  if (store->objectForKeyPath(keyPath) != value) {
-    throw Failure("no value can be set at " + keyPath + ": its index stands for no place");
-  }
+  setWhereItStands(*store, value, keyPath);
   save(work, *store);
 }
 
 void remove(const Work& work) {
   const auto store = work.place.open(true);
   (void)required(work, *store);
-  store->removeObjectForKeyPath(*work.request.keyPath);
+  try {
+    store->removeObjectForKeyPath(*work.request.keyPath);
+  } catch (const qx::InvalidArgumentException&) {
+    throw Failure("nothing can be removed at " + *work.request.keyPath +
+                  ": it is an element of an array, or its key is empty");
+  }
   save(work, *store);
 }
 
-// Whether a key path can hold the key.
-bool isPathKey(std::string_view key) { return key.find_first_of(".[]") == std::string_view::npos; }
+// Whether a key path can hold the key, and people can see it there.
+bool isPathKey(std::string_view key) {
+  return !key.empty() && key.find_first_of(".[]") == std::string_view::npos;
+}
 
 // A line for each value that is no dictionary with entries. A key that no path can hold stands as a
 // JSON string, with its value whole.

@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <system_error>
 
+#include <QXFoundation/exception.h>
 #include <QXFoundation/property_list.h>
 #include <QXFoundation/user_defaults.h>
 
@@ -29,6 +30,15 @@ void requireDictionary(const std::string& path, const std::string& content) {
   if (!value.isDictionary()) throw Failure(path + ": the property list is no dictionary");
 }
 
+qx::Ref<qx::String> pathOf(const std::string& application) {
+  try {
+    return qx::UserDefaults::pathForApplicationName(application);
+  } catch (const qx::InvalidArgumentException&) {
+    throw Failure("the name of the application can not be that of a file: " +
+                  quotedIfEmpty(application));
+  }
+}
+
 }  // namespace
 
 SettingsPlace SettingsPlace::ofFile(const std::string& path) {
@@ -41,7 +51,7 @@ SettingsPlace SettingsPlace::ofFile(const std::string& path) {
 
 SettingsPlace SettingsPlace::ofApplication(const std::string& name) {
   if (!isValidUtf8(name)) throw Failure("the name of the application is not UTF-8: " + name);
-  const auto path = qx::UserDefaults::pathForApplicationName(name);
+  const auto path = pathOf(name);
   if (path == nullptr) throw Failure("the user's home folder is not known");
   qx::UserDefaults::setApplicationName(name);
   return {path->utf8(), false};

@@ -26,6 +26,9 @@ bool isUnsafe(char32_t code);
 // backslash stays one.
 std::string printable(std::string_view text);
 
+// A word of the command line, for a message; "" for the empty one.
+inline std::string quotedIfEmpty(const std::string& text) { return text.empty() ? "\"\"" : text; }
+
 // Columns that printable text takes on a terminal: two for wide characters, none for combining
 // ones.
 std::size_t displayWidth(std::string_view text);

@@ -11,13 +11,14 @@
 #include "tools/qx/failure.h"
 #include "tools/qx/number_of.h"
 #include "tools/qx/output.h"
+#include "tools/qx/printable.h"
 
 namespace qxtool {
 namespace {
 
 void runSize(const std::string& text) {
   const auto count = numberOf<std::int64_t>(text);
-  if (!count) throw Failure("N is an integer of 64 bits, not " + text);
+  if (!count) throw Failure("N is an integer of 64 bits, not " + quotedIfEmpty(text));
   Output output;
   output.write(qx::QXSizeFormatter::stringForByteCount(*count)->utf8());
   output.write("\n");

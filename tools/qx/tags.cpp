@@ -70,12 +70,12 @@ struct FileTag {
 };
 using FileTags = std::vector<FileTag>;
 
-// Stored entries that are no tags raise, which tells less than where they stand.
+// Stored entries that are no tags raise, in words of the library's own.
 qx::Ref<qx::Array> readTags(const qx::Ref<qx::URL>& url, const std::string& path) {
   try {
     return qx::colorTagsWithError(url);
-  } catch (const qx::InvalidArgumentException& exception) {
-    throw Failure("the tags of " + path + " are no list of texts: " + exception.reason());
+  } catch (const qx::InvalidArgumentException&) {
+    throw Failure("the tags of " + path + " are no list of texts; --clear gives them up");
   }
 }
 
@@ -125,10 +125,17 @@ bool isSame(const FileTags& a, const FileTags& b) {
   });
 }
 
-// The tags as they are in the end. Tags that can not be read are given up by clearing alone.
-FileTags changedTagsOf(const std::string& path, const TagChange& change) {
+bool hasName(const FileTags& tags, const Tag& tag) {
+  return std::any_of(tags.begin(), tags.end(),
+                     [&](const FileTag& each) { return isSameName(*each.tag, *tag); });
+}
+
+// The tags as they are in the end. Tags that can not be read are given up by clearing alone. Of
+// `missed`, those that the file has are taken out.
+FileTags changedTagsOf(const std::string& path, const TagChange& change, Tags& missed) {
   const auto url = urlOfFile(path);
   const FileTags before = change.clears ? FileTags() : tagsOf(url, path);
+  std::erase_if(missed, [&](const Tag& tag) { return change.clears || hasName(before, tag); });
   FileTags after = change.replaces ? FileTags() : before;
   for (const Tag& removed : change.removed) {
     std::erase_if(after, [&](const FileTag& each) { return isSameName(*each.tag, *removed); });
@@ -161,7 +168,6 @@ class Report {
 
  private:
   void addRecord(const std::string& path, const FileTags& tags) {
-    if (!isValidUtf8(path)) throw Failure("JSON has no form for a name that is not UTF-8: " + path);
     const auto all = qx::MutableArray::init();
     for (const FileTag& each : tags) {
       all->addObject(qx::dict({{"name", each.tag->name()}, {"color", each.tag->color()}}));
@@ -182,13 +188,30 @@ class Report {
   std::string lines_;
 };
 
+// Before anything is changed that could not be told of.
+void requireJsonName(const std::string& path) {
+  if (!isValidUtf8(path)) throw Failure("JSON has no form for a name that is not UTF-8: " + path);
+}
+
+// What was to be removed and was nowhere.
+void tellOfMissed(const Tags& missed, const std::vector<std::string>& files) {
+  for (const Tag& tag : missed) {
+    const std::string name = tag->name()->utf8();
+    const bool mayMeanColour = name.find(':') != std::string::npos;
+    tell((files.size() == 1 ? files[0] + " has no tag " : "no file has the tag ") + name +
+         (mayMeanColour ? "; --remove takes the name alone, without a colour" : ""));
+  }
+}
+
 void runTags(const TagOptions& options) {
   const TagChange change = changeOf(options);
   Report report(options);
   std::vector<std::string> failures;
+  Tags missed = change.removed;
   for (const std::string& path : options.files) {
     try {
-      const FileTags tags = changedTagsOf(path, change);
+      if (options.json) requireJsonName(path);
+      const FileTags tags = changedTagsOf(path, change, missed);
       if (options.json || change.isNone()) report.add(path, tags);
     } catch (const Failure& failure) {
       failures.emplace_back(failure.what());
@@ -198,6 +221,8 @@ void runTags(const TagOptions& options) {
   if (failures.size() < options.files.size()) report.show();
   for (const std::string& failure : failures) tell(failure);
   if (!failures.empty()) throw Exit{Failure::kFailed};
+  tellOfMissed(missed, options.files);
+  if (!missed.empty()) throw Exit{Failure::kNotFound};
 }
 
 std::function<void()> declareTags(CLI::App& app) {
@@ -210,7 +235,7 @@ std::function<void()> declareTags(CLI::App& app) {
   addWords("--set", options->set, "NAME[:COLOUR]", "This tag instead of all; repeated: these");
   addWords("--add", options->add, "NAME[:COLOUR]",
            "This tag as well, or in place of the one of that name");
-  addWords("--remove", options->remove, "NAME", "Not the tag of this name");
+  addWords("--remove", options->remove, "NAME", "Not the tag of this name, which may hold colons");
   app.add_flag("--clear", options->clear, "No tags, also where those there cannot be read");
   app.add_flag("--json", options->json, "Show the tags as JSON, also when they were changed");
   return [options] { runTags(*options); };
@@ -222,7 +247,8 @@ const Command kTagsCommand{
     "tags", "Show or change the coloured tags of files",
     "A COLOUR is a number, or grey, green, purple, blue, yellow, red or orange (1 to 7).\n"
     "Tags that cannot be read are left as they are, unless --clear gives them up. Where some of\n"
-    "several files fail, the others are done all the same.\n"
+    "several files fail, the others are done all the same. Where no file has a tag that --remove\n"
+    "names, the exit code is 1.\n"
     "\n"
     "Examples:\n"
     "  qx tags report.txt --add Work --add Urgent:red\n"

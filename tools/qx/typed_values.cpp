@@ -12,6 +12,7 @@
 #include <QXFoundation/date.h>
 #include <QXFoundation/dictionary.h>
 #include <QXFoundation/iso_date.h>
+#include <QXFoundation/number.h>
 #include <QXFoundation/rfc3339.h>
 #include <QXFoundation/string.h>
 
@@ -19,10 +20,12 @@
 #include "tools/qx/json_reader.h"
 #include "tools/qx/json_writer.h"
 #include "tools/qx/number_of.h"
+#include "tools/qx/printable.h"
 
 namespace qxtool {
 namespace {
 
+constexpr std::size_t kMaxQuotation = 40;
 constexpr char kHexDigits[] = "0123456789abcdef";
 
 qx::PropertyValue stringFrom(const std::string& text) { return text; }
@@ -82,7 +85,10 @@ qx::PropertyValue dataFrom(const std::string& text) {
   return qx::Data::from(bytes);
 }
 
-qx::PropertyValue jsonFrom(const std::string& text) { return valueFromJson(text); }
+// A property list has room for neither larger integers nor keys given twice.
+qx::PropertyValue jsonFrom(const std::string& text) {
+  return valueFromJson(text, JsonRules::strict);
+}
 
 struct ValueType {
   std::string_view name;
@@ -141,12 +147,34 @@ qx::PropertyValue valueFromText(std::string_view type, const std::string& text) 
   if (found == std::end(kTypes)) {
     throw Failure(std::string("--type takes ") + kValueTypes + ", not " + std::string(type));
   }
+  const std::string value = "VALUE (" + cutToWidth(printable(text), kMaxQuotation) + ") ";
   try {
     return found->read(text);
+  } catch (const JsonFault& fault) {
+    throw Failure(value + "can not be kept: " + fault.what());
   } catch (const Failure& failure) {
     const bool isJson = found->read == &jsonFrom;
-    throw Failure("VALUE (" + text + ") " + (isJson ? "is no JSON: " : "must be ") +
-                  failure.what());
+    throw Failure(value + (isJson ? "is no JSON: " : "must be ") + failure.what());
+  }
+}
+
+const char* typeOf(const qx::PropertyValue& value) {
+  if (value.isString()) return "string";
+  if (value.isData()) return "data";
+  if (value.isDate()) return "date";
+  if (value.isArray()) return "array";
+  if (value.isDictionary()) return "dictionary";
+  if (value.to<bool>()) return "bool";
+  const auto number = value.as<qx::Number>();
+  if (number->kind() == qx::NumberKind::single) return "float";
+  return number->kind() == qx::NumberKind::real ? "double" : "int";
+}
+
+void requireStorable(const qx::PropertyValue& value, qx::PropertyListFormat format) {
+  qx::Ref<qx::Error> error;
+  const auto list = qx::dict({{"value", value}});
+  if (qx::PropertyListSerialization::dataWithPropertyList(list, format, &error) == nullptr) {
+    throw Failure("VALUE can not be kept: " + error->localizedDescription());
   }
 }
 

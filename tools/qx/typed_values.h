@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include <QXFoundation/property_list.h>
 #include <QXFoundation/property_value.h>
 
 namespace qxtool {
@@ -11,8 +12,14 @@ namespace qxtool {
 // The names that --type takes, for messages.
 inline constexpr char kValueTypes[] = "string, int, float, double, bool, date, data or json";
 
+// What --type calls the kind of a value; "array" and "dictionary" for containers.
+const char* typeOf(const qx::PropertyValue& value);
+
 // The value that the text stands for as that type. A Failure tells what the type takes.
 qx::PropertyValue valueFromText(std::string_view type, const std::string& text);
+
+// A Failure where a property list of that format can not hold the value of the command line.
+void requireStorable(const qx::PropertyValue& value, qx::PropertyListFormat format);
 
 // A string is its text; true or false; data as hexadecimal digits; dates as in RFC 3339; numbers as
 // decimal text; containers as JSON.

@@ -45,12 +45,12 @@ inline std::string dump(const PropertyValue& v) {
     return "d" + std::to_string(std::llround(seconds * 1e6));
   }
   std::string text;
-  if (v.isArray()) {
-    for (const PropertyValue& inner : *v.as<Array>()) text += dump(inner) + ",";
+  if (const auto elements = v.as<Array>()) {
+    for (const PropertyValue& inner : *elements) text += dump(inner) + ",";
     return "[" + text + "]";
   }
-  if (v.isDictionary()) {
-    for (const auto& [key, value] : *v.as<Dictionary>()) {
+  if (const auto entries = v.as<Dictionary>()) {
+    for (const auto& [key, value] : *entries) {
       text += hexadecimal(key.utf8()) + "=" + dump(value) + ",";
     }
     return "{" + text + "}";

@@ -13,7 +13,7 @@ _qx_values() {
   case $1:$2 in
     select:--output) echo "table json plist binary" ;;
     plist:--to) echo "xml binary json" ;;
-    prefs:--type) echo "string int float double bool date data json" ;;
+    prefs:--type | attributes:--type) echo "string int float double bool date data json" ;;
     *) return 1 ;;
   esac
 }
@@ -37,7 +37,7 @@ _qx() {
     mapfile -t COMPREPLY < <(compgen -W "$values" -- "$current")
   elif [[ $current == -* ]]; then
     mapfile -t COMPREPLY < <(compgen -W "$(_qx_options "$tool" "$command")" -- "$current")
-  elif [ "$command" = prefs ] && [ "$place" -eq 1 ]; then
+  elif [[ $command == @(prefs|attributes) ]] && [ "$place" -eq 1 ]; then
     mapfile -t COMPREPLY < <(compgen -W "get set remove list" -- "$current")
   else
     case $command in
