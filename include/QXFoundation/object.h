@@ -15,6 +15,14 @@
 #include <QXFoundation/fwd.h>
 #include <QXFoundation/reference_count.h>
 
+#if defined(__clang__)
+// What a function gives does not outlive its object.
+#define QX_LIFETIME_BOUND [[clang::lifetimebound]]
+#else
+// Nothing for compilers that can not tell.
+#define QX_LIFETIME_BOUND
+#endif
+
 namespace qx {
 
 namespace detail {
@@ -210,9 +218,10 @@ class Ref {
   [[nodiscard]] T* leak() { return std::exchange(p_, nullptr); }
 
   // The object, borrowed; the operators raise InvalidArgumentException for nil. What `*f()` of
-  // a function gives lives as long as the expression: a loop over it needs a named Ref.
+  // a function gives lives as long as the expression: a loop over it needs a named Ref, of which
+  // clang warns (-Wdangling).
   T* get() const { return p_; }
-  T& operator*() const { return *checked(); }
+  T& operator*() const QX_LIFETIME_BOUND { return *checked(); }
   T* operator->() const { return checked(); }
   explicit operator bool() const { return p_ != nullptr; }
   friend bool operator==(const Ref& a, std::nullptr_t) { return a.p_ == nullptr; }
@@ -331,3 +340,5 @@ template <class T, class... A>
 }
 
 }  // namespace qx
+
+#undef QX_LIFETIME_BOUND
