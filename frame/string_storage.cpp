@@ -1,5 +1,6 @@
 #include "frame/string_storage.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <limits>
@@ -48,7 +49,8 @@ Ref<String> StringStorage::allocate(std::size_t length, bool wide, void** units)
   if (length > kMaxLength) raiseTooLong("a string");
   static const std::uint16_t index = classIndexOf(classOf<String>());
   static_assert(sizeof(Made<String>) == sizeof(String));
-  void* memory = ObjectMemory::allocate(sizeof(Made<String>) + byteCount(length, wide));
+  void* memory =
+      ObjectMemory::allocate(sizeof(Made<String>) + std::max(byteCount(length, wide), kReadable));
   auto* s = ::new (memory) Made<String>(Passkey{}, length, wide ? unsigned{kWide} : 0U);
   ObjectAccess::setClass(*s, index, 0);
   *units = static_cast<String*>(s) + 1;

@@ -18,8 +18,9 @@ struct StringStorage {
   static bool isMutable(const String& s) { return ObjectAccess::has(s, kMutableVariant); }
   static bool isWide(const String& s) { return ObjectAccess::has(s, kWide); }
 
-  // Of an immutable string.
+  // Of an immutable string. So many bytes may be read there whatever the length.
   static const void* inlineUnits(const String& s) { return &s + 1; }
+  static constexpr std::size_t kReadable = 8;
 
   static TextSpan span(const String& s) {
     TextSpan t;

@@ -1,6 +1,7 @@
 #include "qualifiers/block_run.h"
 
 #include <algorithm>
+#include <cstring>
 #include <functional>
 
 namespace qx::detail {
@@ -185,32 +186,79 @@ void BlockRun::testTexts(const BoundStep& step, std::size_t at, Values values, O
       askForText);
 }
 
+// Up to eight texts that fit a word each. Whether a string is one of them is no jump: with as many
+// outcomes as texts it could not be foreseen.
+class BlockRun::ShortTexts {
+ public:
+  // False where the step's text is too long.
+  bool add(const BoundStep& step) {
+    if (step.length > sizeof(std::uint64_t)) return false;
+    Text& text = texts_[count_++];
+    text.length = step.length;
+    std::memcpy(&text.units, step.bytes, step.length);
+    std::memset(&text.used, 0xFF, step.length);
+    return true;
+  }
+  // Of an immutable string that is not wide.
+  bool have(const String& string) const {
+    static_assert(StringStorage::kReadable >= sizeof(std::uint64_t));
+    std::uint64_t units = 0;
+    std::memcpy(&units, StringStorage::inlineUnits(string), sizeof units);
+    unsigned isOne = 0;
+    for (std::size_t i = 0; i < count_; ++i) {
+      const Text& text = texts_[i];
+      isOne |=
+          unsigned{string.length() == text.length} & unsigned{(units & text.used) == text.units};
+    }
+    return isOne != 0;
+  }
+
+ private:
+  struct Text {
+    std::size_t length = 0;
+    std::uint64_t units = 0;
+    std::uint64_t used = 0;  // the bits of the units that belong to the text
+  };
+  std::size_t count_ = 0;
+  Text texts_[kMostTexts];
+};
+
 // "city is one of these" is a chain of equalities, each of which leads on to the next: the text is
 // looked at once for all.
 template <class Values>
 void BlockRun::testTextsForEquality(const BoundStep& step, std::size_t at, Values values) {
-  constexpr std::size_t kMost = 8;
-  const BoundStep* chain[kMost] = {&step};
+  const BoundStep* chain[kMostTexts] = {&step};
   std::size_t length = 1;
-  while (length < kMost && isAlternative(*chain[length - 1], *chain[length - 1]->next[0])) {
+  while (length < kMostTexts && isAlternative(*chain[length - 1], *chain[length - 1]->next[0])) {
     chain[length] = chain[length - 1]->next[0];
     ++length;
   }
   const BoundStep* const next[] = {chain[length - 1]->next[0], step.next[1]};
+  const auto askForText = [values](Index element) { __builtin_prefetch(values(element).object()); };
+  const auto generally = [&chain, length, values, narrowText = NarrowText<Values>{values, program_},
+                          this](Index element) {
+    const String* text = narrowText(element);
+    bool isHit = false;
+    for (std::size_t i = 0; i < length; ++i) {
+      isHit |= text != nullptr ? BoundProgram::acceptsBytes(*chain[i], BoundProgram::bytesOf(*text))
+                               : !isHit && decideOther(*chain[i], values(element), element);
+    }
+    return isHit;
+  };
+  ShortTexts shortTexts;
+  for (std::size_t i = 0; i < length; ++i) {
+    if (!shortTexts.add(*chain[i])) return split(next, at, generally, askForText);
+  }
   split(
       next, at,
-      [&chain, length, values, narrowText = NarrowText<Values>{values, program_},
-       this](Index element) {
+      [&shortTexts, &generally, narrowText = NarrowText<Values>{values, program_},
+       isNegated = step.isNegated](Index element) {
         const String* text = narrowText(element);
-        bool isHit = false;
-        for (std::size_t i = 0; i < length; ++i) {
-          isHit |= text != nullptr
-                       ? BoundProgram::acceptsBytes(*chain[i], BoundProgram::bytesOf(*text))
-                       : !isHit && decideOther(*chain[i], values(element), element);
-        }
-        return isHit;
+        if (text == nullptr) [[unlikely]]
+          return generally(element);
+        return shortTexts.have(*text) != isNegated;
       },
-      [values](Index element) { __builtin_prefetch(values(element).object()); });
+      askForText);
 }
 
 template <class T>

@@ -60,6 +60,8 @@ class BlockRun {
   struct PlaceByLayout;
   template <class Values>
   struct NarrowText;
+  class ShortTexts;
+  static constexpr std::size_t kMostTexts = 8;  // that are looked for at once
 
   template <class Take>
   std::size_t decide(const BoundProgram& program, std::size_t count, Take take);
