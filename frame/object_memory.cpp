@@ -132,31 +132,25 @@ bool prepareForForks() { return pthread_atfork(lockAll, unlockAll, unlockAll) ==
 
 thread_local constinit ObjectMemory::ThreadCache* ObjectMemory::cache_ = nullptr;
 
+namespace {
+
+// Stands outside of what ends with the thread: it is asked afterwards.
+thread_local constinit bool isThreadOver = false;
+
+}  // namespace
+
 // Gives the thread's free blocks back when it ends. What is destroyed later takes and gives single
 // blocks.
 struct CacheOfThread {
   ObjectMemory::ThreadCache* cache = nullptr;
-  bool isOver = false;
 
   ~CacheOfThread() {
-    isOver = true;
+    isThreadOver = true;
     ObjectMemory::cache_ = nullptr;
     if (cache == nullptr) return;
     for (std::size_t i = 0; i < ObjectMemory::kSizes; ++i)
       sizeClasses[i].giveBack(i, cache->blocks[i].first, cache->blocks[i].count);
     std::free(cache);
-  }
-
-  // Null where there is no memory for one, or no longer one.
-  ObjectMemory::ThreadCache* make() noexcept {
-    using Cache = ObjectMemory::ThreadCache;
-    if (isOver) return nullptr;
-    void* const memory = std::malloc(sizeof(Cache));
-    if (memory == nullptr) return nullptr;
-    cache = ::new (memory) Cache;
-    for (std::size_t i = 0; i < ObjectMemory::kSizes; ++i) cache->blocks[i].most = 2 * batchOf(i);
-    ObjectMemory::cache_ = cache;
-    return cache;
   }
 };
 
@@ -166,11 +160,21 @@ thread_local CacheOfThread cacheOfThread;
 
 }  // namespace
 
+ObjectMemory::ThreadCache* ObjectMemory::makeCache() noexcept {
+  if (isThreadOver) return nullptr;
+  void* const memory = std::malloc(sizeof(ThreadCache));
+  if (memory == nullptr) return nullptr;
+  cache_ = ::new (memory) ThreadCache;
+  for (std::size_t i = 0; i < kSizes; ++i) cache_->blocks[i].most = 2 * batchOf(i);
+  cacheOfThread.cache = cache_;
+  return cache_;
+}
+
 void* ObjectMemory::allocateFirst(std::size_t size, std::size_t index) {
   if (!SpanArena::isUsable()) return ::operator new(size);
   static const bool isReady = prepareForForks();
   static_cast<void>(isReady);
-  if (ThreadCache* const cache = cacheOfThread.make()) return refill(cache->blocks[index], index);
+  if (ThreadCache* const cache = makeCache()) return refill(cache->blocks[index], index);
   FreeBlock* const block = sizeClasses[index].take(index, 1).first;
   return block != nullptr ? block : ::operator new(size);
 }
@@ -187,9 +191,11 @@ void ObjectMemory::release(void* memory) noexcept {
   if (kIsPlain || !SpanArena::holds(memory)) return ::operator delete(memory);
   const std::size_t index = SpanArena::sizeIndexOf(memory);
   FreeBlock* const block = ::new (memory) FreeBlock{nullptr};
-  ThreadCache* const cache = cache_;
-  if (cache == nullptr) [[unlikely]]
-    return sizeClasses[index].giveBack(index, block, 1);
+  ThreadCache* cache = cache_;
+  if (cache == nullptr) [[unlikely]] {
+    cache = makeCache();
+    if (cache == nullptr) return sizeClasses[index].giveBack(index, block, 1);
+  }
   FreeBlocks& blocks = cache->blocks[index];
   block->next = blocks.first;
   blocks.first = block;

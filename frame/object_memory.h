@@ -71,6 +71,8 @@ class ObjectMemory {
     FreeBlocks blocks[kSizes];
   };
 
+  // Null where there is no memory for one, or when the thread is over.
+  static ThreadCache* makeCache() noexcept;
   static void* allocateFirst(std::size_t size, std::size_t index);
   static void* refill(FreeBlocks& blocks, std::size_t index);
   static void giveBack(FreeBlocks& blocks, std::size_t index) noexcept;

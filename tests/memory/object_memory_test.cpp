@@ -201,14 +201,31 @@ struct Late {
 
 TEST(ObjectMemoryThread, WorksToTheEndOfTheThread) {
   const std::size_t before = ObjectMemory::bytesInUse();
-  bool isRight = false;
-  std::thread([&isRight] {
-    thread_local Late late;
-    late.result = &isRight;
-    late.held = qx::String::from("held to the end");
-  }).join();
-  EXPECT_TRUE(isRight);
-  EXPECT_LE(ObjectMemory::bytesInUse(), before + 16384);
+  for (int i = 0; i < 20; ++i) {
+    bool isRight = false;
+    std::thread([&isRight] {
+      thread_local Late late;
+      late.result = &isRight;
+      late.held = qx::String::from("held to the end");
+    }).join();
+    EXPECT_TRUE(isRight);
+  }
+  EXPECT_LE(ObjectMemory::bytesInUse(), before);
+}
+
+// A thread that makes no object keeps blocks as well, and gives them back.
+TEST(ObjectMemoryThread, TakesBackOnThreadsThatTakeNothing) {
+  const std::size_t before = ObjectMemory::bytesInUse();
+  for (int i = 0; i < 20; ++i) {
+    std::vector<void*> pieces(1000);
+    std::thread([&] {
+      for (void*& piece : pieces) piece = ObjectMemory::allocate(64);
+    }).join();
+    std::thread([&] {
+      for (void* piece : pieces) ObjectMemory::release(piece);
+    }).join();
+  }
+  EXPECT_LE(ObjectMemory::bytesInUse(), before);
 }
 
 TEST(ObjectMemory, WorksInAChildThatWasForkedFromBusyThreads) {
