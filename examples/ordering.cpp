@@ -51,7 +51,8 @@ qx::Ref<qx::Dictionary> account(const qx::Ref<qx::String>& line) {
 
 // The accounts of the file; nil, and a message, where it can not be read as such.
 qx::Ref<qx::MutableArray> accounts(const std::string& path) {
-  if (!qx::FileManager::defaultManager()->fileExistsAtPath(path)) {
+  bool isFolder = false;
+  if (!qx::FileManager::defaultManager()->fileExistsAtPath(path, &isFolder) || isFolder) {
     std::cerr << path << ": no such file\n";
     return nullptr;
   }

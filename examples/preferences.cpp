@@ -1,6 +1,6 @@
 // The road of a setting: written by key path, heard by observers, saved to a file, read again.
 //
-//     example_preferences [FILE]      without FILE in a file of the temporary folder
+//     example_preferences [FILE]      writes FILE; without one, a file of the temporary folder
 
 #include <cstdio>
 #include <filesystem>

@@ -8,7 +8,6 @@
 
 #include <fstream>
 #include <iostream>
-#include <iterator>
 #include <string>
 
 #include <QXFoundation/class.h>
@@ -20,8 +19,9 @@ namespace {
 // What a file holds; nil, and a message, where that is no property list.
 qx::PropertyValue contents(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
-  const std::string bytes{std::istreambuf_iterator<char>(file), {}};
-  if (!file) {
+  std::string bytes;
+  for (char c = 0; file.get(c);) bytes.push_back(c);  // a folder can be opened, and not be read
+  if (!file.eof() || file.bad()) {
     std::cerr << path << ": this file can not be read\n";
     return {};
   }

@@ -67,7 +67,8 @@ void show(const char* heading, const qx::Ref<qx::QXQualifier>& qualifier) {
 int showSelected(const char* format, const char* text) {
   int number = 0;
   const char* end = text + std::strlen(text);
-  if (std::from_chars(text, end, number).ptr != end) {
+  const auto [stop, fault] = std::from_chars(text, end, number);
+  if (fault != std::errc() || stop != end) {
     std::cerr << text << ": this is no number\n";
     return 2;
   }
@@ -89,6 +90,10 @@ int showSelected(const char* format, const char* text) {
 
 int main(int argc, char** argv) {
   if (argc == 3) return showSelected(argv[1], argv[2]);
+  if (argc != 1) {
+    std::cerr << "usage: example_select [FORMAT NUMBER]\n";
+    return 2;
+  }
   show("parsed", qx::qualifierWithQualifierFormat("year > %d and title like %@", 1816, "*E*"));
   show("written", qx::key("author.born") < 1800 && !(qx::key("pages") > 300));
   show("built",

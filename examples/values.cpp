@@ -10,6 +10,7 @@
 #include <charconv>
 #include <iomanip>
 #include <iostream>
+#include <limits>
 #include <map>
 #include <string>
 
@@ -46,7 +47,8 @@ bool addLine(Log& log, const qx::Ref<qx::String>& line) {
   const std::string size = fields->objectAtIndex(1).description();
   std::int64_t bytes = 0;
   const auto [end, fault] = std::from_chars(size.data(), size.data() + size.size(), bytes);
-  if (date == nullptr || fault != std::errc() || end != size.data() + size.size() || bytes < 0) {
+  if (date == nullptr || fault != std::errc() || end != size.data() + size.size() || bytes < 0 ||
+      bytes > std::numeric_limits<std::int64_t>::max() - log.all.bytes) {
     return false;
   }
   log.days[qxRFC3339String(date)->substringToIndex(10)->utf8()].add(bytes);
@@ -59,7 +61,8 @@ bool addLine(Log& log, const qx::Ref<qx::String>& line) {
 // Whether every line was understood; what was not is told.
 bool read(Log& log, const std::string& path) {
   // A cursor takes a file that can not be read for an empty one.
-  if (!qx::FileManager::defaultManager()->fileExistsAtPath(path)) {
+  bool isFolder = false;
+  if (!qx::FileManager::defaultManager()->fileExistsAtPath(path, &isFolder) || isFolder) {
     std::cerr << path << ": no such file\n";
     return false;
   }

@@ -9,6 +9,7 @@
 
 #include <QXFoundation/object.h>
 
+#include "frame/fork_mutex.h"
 #include "frame/span_arena.h"
 
 namespace qx::detail {
@@ -108,7 +109,7 @@ class SizeClass {
     span.next = span.previous = nullptr;
   }
 
-  std::mutex mutex_;
+  ForkMutex mutex_;
   Span* withFree_ = nullptr;
   std::size_t blocksInUse_ = 0;
 };
@@ -119,9 +120,11 @@ constinit SizeClass sizeClasses[ObjectMemory::kSizes];
 void lockAll() {
   for (SizeClass& sizeClass : sizeClasses) sizeClass.lock();
   SpanArena::lock();
+  ForkMutex::isForking = true;
 }
 
 void unlockAll() {
+  ForkMutex::isForking = false;
   SpanArena::unlock();
   for (SizeClass& sizeClass : sizeClasses) sizeClass.unlock();
 }
@@ -171,9 +174,9 @@ ObjectMemory::ThreadCache* ObjectMemory::makeCache() noexcept {
 }
 
 void* ObjectMemory::allocateFirst(std::size_t size, std::size_t index) {
-  if (!SpanArena::isUsable()) return ::operator new(size);
   static const bool isReady = prepareForForks();
   static_cast<void>(isReady);
+  if (!SpanArena::isUsable()) return ::operator new(size);
   if (ThreadCache* const cache = makeCache()) return refill(cache->blocks[index], index);
   FreeBlock* const block = sizeClasses[index].take(index, 1).first;
   return block != nullptr ? block : ::operator new(size);

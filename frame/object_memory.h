@@ -78,7 +78,7 @@ class ObjectMemory {
   static void giveBack(FreeBlocks& blocks, std::size_t index) noexcept;
 
   // Null before the thread's first object and after its end.
-  __attribute__((tls_model("initial-exec"))) static thread_local ThreadCache* cache_;
+  __attribute__((tls_model("initial-exec"))) static constinit thread_local ThreadCache* cache_;
 };
 
 }  // namespace qx::detail

@@ -4,10 +4,15 @@
 #include <sys/mman.h>
 #include <sys/resource.h>
 
-#include <algorithm>
+#include <mutex>
+
+// There where the program has a leak checker, whether this library was built for one or not.
+extern "C" [[gnu::weak]] int __lsan_do_recoverable_leak_check();
 
 namespace qx::detail {
 namespace {
+
+static_assert(sizeof(void*) == 8, "the stretch needs addresses of 64 bits");
 
 // Spans are opened by steps of a large page of the system.
 constexpr std::size_t kStep = std::size_t{1} << 21;
@@ -24,11 +29,17 @@ bool isPlainMemoryWanted() {
   return wish != nullptr && *wish != '\0';
 }
 
-// A stretch that is mostly unused would take what such a limit leaves for the program.
-bool areAddressesLimited() {
+// The checker does not look for pointers in mapped memory: what objects hold would be lost to it.
+// Nor would the address sanitizer notice a use of what was released.
+bool isMemoryChecked() { return __lsan_do_recoverable_leak_check != nullptr; }
+
+bool isLimited(decltype(RLIMIT_AS) resource) {
   rlimit limit{};
-  return getrlimit(RLIMIT_AS, &limit) != 0 || limit.rlim_cur != RLIM_INFINITY;
+  return getrlimit(resource, &limit) != 0 || limit.rlim_cur != RLIM_INFINITY;
 }
+
+// A stretch that is mostly unused would take what such a limit leaves for the program.
+bool areAddressesLimited() { return isLimited(RLIMIT_AS) || isLimited(RLIMIT_DATA); }
 
 void* map(std::size_t size, int protection) {
   void* const memory =
@@ -42,7 +53,7 @@ constinit std::atomic<std::uintptr_t> SpanArena::base_{kNowhere};
 constinit std::atomic<bool> SpanArena::isRefused_{false};
 constinit std::uint8_t* SpanArena::sizeIndexes_ = nullptr;
 constinit Span* SpanArena::spans_ = nullptr;
-constinit std::mutex SpanArena::mutex_;
+constinit ForkMutex SpanArena::mutex_;
 constinit std::size_t SpanArena::takenSpans_ = 0;
 constinit std::size_t SpanArena::openSpans_ = 0;
 constinit Span* SpanArena::warm_ = nullptr;
@@ -69,7 +80,7 @@ bool SpanArena::isUsable() noexcept {
 void SpanArena::reserve() noexcept {
   constexpr std::size_t kTables = kSpans * (sizeof(Span) + sizeof(std::uint8_t)) + kSteps;
   isRefused_.store(true, std::memory_order_relaxed);
-  if (isPlainMemoryWanted() || areAddressesLimited()) return;
+  if (isPlainMemoryWanted() || isMemoryChecked() || areAddressesLimited()) return;
   void* const stretch = map(kReserved + kStep, PROT_NONE);
   if (stretch == nullptr) return;
   // Zeros are spans that were never taken.
@@ -78,6 +89,7 @@ void SpanArena::reserve() noexcept {
     munmap(stretch, kReserved + kStep);
     return;
   }
+  madvise(tables, kTables, MADV_NOHUGEPAGE);
   spans_ = static_cast<Span*>(tables);
   sizeIndexes_ = reinterpret_cast<std::uint8_t*>(spans_ + kSpans);
   coldOfStep_ = sizeIndexes_ + kSpans;
@@ -126,8 +138,8 @@ bool SpanArena::grow() noexcept {
 // Advice only: whether the system has such pages is its affair. It may fill them up where parts
 // were given back, so none are wanted where there is a cold span.
 void SpanArena::advise(std::size_t step, bool isLargeWanted) noexcept {
-  if (step < kStepsOfSmallPages) return;
-  madvise(startOfStep(step), kStep, isLargeWanted ? MADV_HUGEPAGE : MADV_NOHUGEPAGE);
+  const bool isLarge = isLargeWanted && step >= kStepsOfSmallPages;
+  madvise(startOfStep(step), kStep, isLarge ? MADV_HUGEPAGE : MADV_NOHUGEPAGE);
 }
 
 void SpanArena::giveBack(Span& span) noexcept {

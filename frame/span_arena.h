@@ -7,8 +7,8 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
-#include <mutex>
 
+#include "frame/fork_mutex.h"
 #include "frame/object_memory.h"
 
 namespace qx::detail {
@@ -36,8 +36,8 @@ class SpanArena {
   }
   static Span& spanOf(const void* memory) noexcept { return spans_[offsetOf(memory) / kSpanSize]; }
 
-  // False where addresses are limited or the environment has QXFOUNDATION_PLAIN_MEMORY, so that a
-  // memory debugger sees each object.
+  // False where addresses are limited, where the program has a leak checker, or where the
+  // environment has QXFOUNDATION_PLAIN_MEMORY, so that a memory debugger sees each object.
   static bool isUsable() noexcept;
   // An empty span for blocks of the size; null when there is no memory left. The arena is usable.
   static Span* take(std::size_t sizeIndex) noexcept;
@@ -68,7 +68,7 @@ class SpanArena {
   static constinit std::uint8_t* sizeIndexes_;  // of each span
   static constinit Span* spans_;
 
-  static constinit std::mutex mutex_;
+  static constinit ForkMutex mutex_;
   // The rest is guarded by the lock.
   static constinit std::size_t takenSpans_;  // that were ever taken, from the start on
   static constinit std::size_t openSpans_;   // that may be written

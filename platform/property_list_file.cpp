@@ -19,7 +19,7 @@ int keepAs(const std::string& path, const std::string& kept) {
   if (fileCalls().link(path.c_str(), kept.c_str()) == 0 || errno == ENOENT) return 0;
   const int refused = errno;
   std::string content;
-  if (readFile(path, content) != 0) return refused;
+  if (const int code = readFile(path, content)) return code == EISDIR ? code : refused;
   if (refused == EEXIST) {
     // Kept before, by a process that came no further.
     std::string earlier;

@@ -13,8 +13,8 @@ shift || true
 werror=OFF
 [ "${CI:-}" != true ] || werror=ON
 
-cmake --preset fuzz "-DQXFOUNDATION_WERROR=$werror"
-cmake --build --preset fuzz
+cmake --preset asan "-DQXFOUNDATION_WERROR=$werror"
+cmake --build --preset asan --target fuzzers
 
 names=("$@")
 if [ ${#names[@]} -eq 0 ]; then
@@ -36,7 +36,7 @@ for name in "${names[@]}"; do
   inputs=(build/fuzz/corpus/"$name")
   mkdir -p "${inputs[0]}"
   [ ! -d "fuzz/corpus/$name" ] || inputs+=("fuzz/corpus/$name")
-  if ! build/fuzz/bin/fuzz_"$name" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 \
+  if ! build/asan/bin/fuzz_"$name" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 \
     -print_final_stats=1 -artifact_prefix="$findings/$name-" "${inputs[@]}" >"$findings/$name.log" 2>&1; then
     tail -n 60 "$findings/$name.log" >&2
     echo "$name failed; the input is in $findings/" >&2

@@ -49,7 +49,7 @@ def number(value: float) -> str:
         return f"{value:,.0f}"
     if size >= 9.995:
         return f"{value:.1f}"
-    return f"{value:.2f}" if size < 0.9995 else f"{value:.2f}".rstrip("0").rstrip(".")
+    return f"{value:.2f}"
 
 
 def spread(figure: Figure) -> str:

@@ -2,8 +2,7 @@
 // and loud failure where an abstract operation is reached.
 //
 //     if (qx::QXDebugSet("net"))                            // program --QXDebug=net
-//       log(QX_DEBUG_FUNCTION_MSG("connected"));            // "File net.cpp: 12. In open
-//       connected"
+//       log(QX_DEBUG_FUNCTION_MSG("connected"));  // "File net.cpp: 12. In open connected"
 //
 //     void Shape::draw() const { qx::subclassResponsibility(this, "draw"); }
 //

@@ -1,8 +1,7 @@
 // Reading dictionaries with defaults, and storing only what differs from a default.
 //
 //     int width = intForKey(settings, "width", 80);
-//     setObject(settings, title, "title", defaultTitle);   // nil and the default itself remove the
-//     entry
+//     setObject(settings, title, "title", defaultTitle);   // nil, the default itself: removes it
 //
 // A null that is stored is a value. What takes at most two objects can be performed by selector
 // too. A nil dictionary gives nil, 0 or false. Thread-safe, as far as the dictionaries are.

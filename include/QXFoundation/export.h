@@ -3,12 +3,12 @@
 //   class QX_EXPORT Fraction { ... };
 //   QX_EXPORT bool qxIsEmpty(...);
 //
-// QX_STATIC    defined for users of the static library (both packages do it): nothing is marked, so
-// that a
-//              program or library made from it exports nothing on its behalf.
-// QX_BUILDING  defined while the library's own sources are compiled, and never for users. Exporting
-// and
-//              importing carry the same mark on ELF systems.
+// QX_STATIC is defined for users of the static library (both packages do it): nothing is marked, so
+// that a program or library made from it exports nothing on its behalf.
+//
+// QX_BUILDING is defined while the library's own sources are compiled, and never for users.
+// Exporting and importing carry the same mark on ELF systems: what a library exports may be
+// replaced by another, and is found by its name.
 
 #pragma once
 

@@ -1,9 +1,9 @@
 // QXPreferences: a store of settings addressed by key paths.
 //
 //     auto preferences = qx::QXPreferences::initWithPath("settings.plist");
-//     preferences->setInteger(640, "layout.frames[0]");
+//     preferences->setInteger(640, "layout.frames[0].width");
 //     preferences->setObject(qx::array("a", "b"), "recent");
-//     int width = preferences->integerForKeyPath("layout.width");
+//     int width = preferences->integerForKeyPath("layout.frames[0].width");
 //     auto watching = preferences->observe("ui.theme", [&](qx::StringArg path) { redraw(path); });
 //     if (!preferences->synchronize()) warn();
 //

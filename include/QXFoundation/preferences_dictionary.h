@@ -2,9 +2,8 @@
 // change.
 //
 //     auto panel = preferences->objectForKeyPath("panel").as<qx::QXPreferencesDictionary>();
-//     panel->setObject(qx::array(1, 2), "frame");   // kept as a QXPreferencesArray; the store is
-//     dirty
-//
+//     panel->setObject(qx::array(1, 2), "frame");   // kept as a QXPreferencesArray
+//     preferences->isDirty();                       // true
 #pragma once
 
 #include <QXFoundation/dictionary.h>

@@ -1,7 +1,6 @@
 // ProcessInfo: what a program can ask about the process it runs in.
 //
-//     auto arguments = qx::ProcessInfo::processInfo()->arguments();   // the executable's path
-//     first
+//     auto arguments = qx::ProcessInfo::processInfo()->arguments();   // first the executable
 #pragma once
 
 #include <string>

@@ -1,7 +1,6 @@
 // thousandFormat: an integer in groups.
 //
-//     qx::thousandFormat(1000000)->utf8();   // "976,576": groups of 1024, as it counts units of
-//     memory
+//     qx::thousandFormat(1000000)->utf8();   // "976,576": groups of 1024, not of 1000
 #pragma once
 
 #include <cstdint>

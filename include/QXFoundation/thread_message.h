@@ -5,8 +5,7 @@
 //     ...
 //     toMain->sendMessageTo(window, "showProgress:", 0.5);           // on any thread
 //     ...
-//     qx::RunLoop::currentRunLoop()->run();                          // performs it, on the main
-//     thread
+//     qx::RunLoop::currentRunLoop()->run();                          // performs it, on that thread
 #pragma once
 
 #include <QXFoundation/class.h>

@@ -4,7 +4,7 @@
 //     auto a = root->addChildItem("a");
 //     root->findItem("a", true);                        // nil: "a" is another string object
 //     root->findItem(a->object(), true);                // a
-//     root->traversePostorder("show");                  // every node performs "show"
+//     root->traversePostorder("show");                  // every node performs "show", of its class
 //     root->takeApart();
 //
 // A node is found by the object it carries, which means that very object (isSame), not an equal
@@ -70,7 +70,8 @@ class QX_EXPORT QXTree : public Object {
   // Has the parent remove this node; nothing without a parent.
   void removeFromParent();
 
-  // A new child that carries the object.
+  // A new child that carries the object: a plain QXTree, whatever the class of this node is. Nodes
+  // of a class of the application's own come by addChild.
   Ref<QXTree> addChildItem(const PropertyValue& object);
   // Removes the child that carries the object. The object of this node itself is found first: then
   // this node's parent is cleared, and the lists stay as they are.

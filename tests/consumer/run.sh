@@ -66,6 +66,15 @@ consume_with_pkg_config() {
   quietly env "LD_LIBRARY_PATH=$libdir" "$program"
 }
 
+# A program with the address sanitizer, which the library does not have: nothing counts as lost.
+consume_with_address_sanitizer() {
+  local prefix=$1 libdir=$2 program=$work/address-sanitizer
+  quietly "$compiler" -std=c++20 -O0 -fsanitize=address "-I$prefix/include" "$here/main.cpp" -o "$program" \
+    "-L$libdir" -lqxfoundation
+  quietly env "LD_LIBRARY_PATH=$libdir" ASAN_OPTIONS=detect_leaks=1 "$program"
+  echo "with the address sanitizer: good"
+}
+
 # The example programs as one project by itself, each held against what it is to print.
 consume_examples() {
   local prefix=$1 tree=$work/examples
@@ -91,6 +100,7 @@ if [ "$(cached QXFOUNDATION_STATIC)" = ON ]; then
   exit
 fi
 check_variants shared "$build_dir"
+consume_with_address_sanitizer "$work/prefix-shared" "$work/prefix-shared/$(cached CMAKE_INSTALL_LIBDIR)"
 consume_examples "$work/prefix-shared"
 build_static_tree
 check_variants static "$build_dir/package-static"

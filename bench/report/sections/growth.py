@@ -24,7 +24,7 @@ SECTION = Section(
     "proportional to the size; sorting by comparisons may grow with the logarithm. All else that rises here is the way to "
     "memory, beyond what the caches hold.",
     tables=[
-        table("Growth of filtering", "ns a record", "growth_filter", [
+        table("Growth of filtering by `number > %d and name like %@`", "ns a record", "growth_filter", [
             own("dictionaries", "filter/dictionaries"), own("native objects", "filter/objects"),
             other("lambda over `vector<shared_ptr>`", "filter/by_hand")]),
         table("Growth of sorting", "ns an element", "growth_sort", [
