@@ -54,8 +54,8 @@ class Report(unittest.TestCase):
         page = self.made(BARS, LINES)
         for line in [
             "| Filtering, ns a record | Q1 | `Q2` <&> |",
-            "| **dictionaries** | 6.2 ±1 % (wanted: 5) | 8 |",
-            "| **objects** | 8, ×1.29 |  |",
+            "| **dictionaries** | 6.20 ±1 % (wanted: 5) | 8.00 |",
+            "| **objects** | 8.00, ×1.29 |  |",
             "| Qt | 12.4, ×2.00 | 1,234, ×154 |",
             "| *fastest peer* | ×2.00 (wanted: ×3) | ×154 (wanted: ×4) |",
             "| **here** | 2,000 | 3,000 | ×1.50 |",
@@ -88,7 +88,7 @@ class Report(unittest.TestCase):
             self.assertLess(len(content), 20_000)
         bars = xml.etree.ElementTree.parse(self.folder / "plots" / "bars.svg").getroot()
         texts = list(bars.itertext())
-        for shown in ["Filtering", "Q2 <&>", "dictionaries", "6.2", "missing", "no loop <here> & now"]:
+        for shown in ["Filtering", "Q2 <&>", "dictionaries", "6.20", "missing", "no loop <here> & now"]:
             self.assertIn(shown, texts)
         self.made(BARS, LINES)
         for path, content in plots.items():
